@@ -1,0 +1,55 @@
+# SPDX-License-Identifier: MIT
+# libux: its sources, how they are compiled, what the shared library exports.
+
+set(UX_SOURCES
+    core/blit.cpp
+    core/child_walk.cpp
+    core/framebuffer.cpp
+    core/object_kit.cpp
+    core/save_area.cpp
+    core/uxContainer.cpp
+    core/uxObject.cpp
+    core/uxPage.cpp
+    core/uxWidget.cpp
+    event/event_message.cpp
+    event/event_pipe.cpp
+    event/uxEvent.cpp
+    event/uxEvent_em862x.cpp
+    event/uxTimer.cpp
+    font/text_layout.cpp
+    font/utf8.cpp
+    font/uxFont.cpp
+    font/uxFont_em862x.cpp
+    font/uxFontDrawing.cpp
+    graphics/blend.cpp
+    graphics/rotate.cpp
+    graphics/uxDraw.cpp
+    graphics/uxImage.cpp
+    widgets/uxTextButton.cpp
+    widgets/uxTextLabel.cpp
+    widgets/widget_kit.cpp
+)
+
+# Needs the C library only: no exceptions, no RTTI, no guarded statics, no C++ run-time library.
+add_library(ux-objects OBJECT ${UX_SOURCES})
+target_include_directories(ux-objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(ux-objects PRIVATE -fno-exceptions -fno-rtti -fno-threadsafe-statics)
+
+# For unit tests: everything visible, the chip's functions chosen by the test.
+add_library(ux-static STATIC $<TARGET_OBJECTS:ux-objects>)
+target_include_directories(ux-static PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+find_package(Threads REQUIRED)
+target_link_libraries(ux-static PUBLIC Threads::Threads)
+
+# For hosts. The chip's functions stay undefined: the program brings the library that has them.
+add_library(ux SHARED $<TARGET_OBJECTS:ux-objects>)
+set_target_properties(ux PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINKER_LANGUAGE C
+    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/ux.map)
+target_include_directories(ux INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+                                        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(ux PRIVATE Threads::Threads)
+target_link_options(ux PRIVATE
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/ux.map -Wl,-z,relro,-z,now)

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// What every page, container and widget does in the same way: construction, error report, border,
+// saved background, membership of the current page, focus of the page.
+#ifndef UX_CORE_OBJECT_KIT_H
+#define UX_CORE_OBJECT_KIT_H
+
+#include "ux.h"
+
+#include <cstdlib>
+
+namespace ux {
+
+// What the records of one kind have in common. Slots not named are null.
+struct object_prototype {
+    uint32_t type;
+    uint32_t flags;
+    ux_slot show;
+    ux_slot hide;
+    ux_slot repaint;
+    ux_slot set_focus;
+    ux_slot unset_focus;
+    ux_slot set_select;
+    ux_slot unset_select;
+};
+
+struct rect {
+    int x, y, width, height;
+};
+
+// Prints "Error: [%d] %s\n" with ux_error on standard error and returns the characters printed.
+int report_error(const char *message);
+
+// A zeroed record, or null after the report of `message`.
+template <class Record>
+Record *allocate(const char *message) {
+    auto *record = static_cast<Record *>(calloc(1, sizeof(Record)));
+    if (!record)
+        report_error(message);
+    return record;
+}
+
+// The widget that an object is the header of.
+template <class Widget>
+Widget *as(ux_obj *obj) {
+    return reinterpret_cast<Widget *>(obj);
+}
+
+// Fills a zeroed record's header and links it into `parent`, which may be null.
+void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *parent,
+                 const rect &place);
+
+// The header's fields that every kind starts with alike: opacity, border, handler, save areas.
+void init_defaults(ux_obj *obj);
+
+inline bool on_current_page(const ux_obj *obj) {
+    return obj->page_id == main_screen.current_page;
+}
+
+// The page that owns `obj`, or null when its page_id names none.
+ux_page *page_of(const ux_obj *obj);
+
+// Sets UX_ST_FOCUSED and makes `obj` its page's focus.
+void take_focus(ux_obj *obj);
+
+// Paints the border in the colours of the object's state.
+void paint_border(const ux_obj *obj);
+
+// Fills the object's rectangle.
+void paint_fill(const ux_obj *obj, uint32_t color);
+
+// Blends the saved background over the object's rectangle, if there is one.
+void paint_saved_background(const ux_obj *obj);
+
+// Forgets the saved background; frees it unless the host gave it.
+void drop_saved_background(ux_obj *obj);
+
+} // namespace ux
+
+#endif

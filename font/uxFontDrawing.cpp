@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// The software text drawers: the widgets' one over 16-bit texts, and the reference one over UTF-8.
+
+#include "font/text_layout.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace ux {
+namespace {
+
+enum drawing_mode { k_mode_once = 1, k_mode_ticker_up = 2, k_mode_ticker_left = 4 };
+
+constexpr int k_fixed_point_bits = 16;
+constexpr int k_max_words = 4096; // of decoded text, two a character
+
+void set_scale(int size_x, int size_y) {
+    const auto fixed = [](int size) {
+        return static_cast<int32_t>(static_cast<uint32_t>(size) << k_fixed_point_bits);
+    };
+    FSS_set_scale(fixed(size_x), 0, 0, fixed(size_y));
+}
+
+// A text of 16-bit little-endian units at any address.
+class unit_text {
+  public:
+    explicit unit_text(const void *text) : m_bytes(static_cast<const uint8_t *>(text)) {}
+
+    uint32_t operator[](int k) const { return m_bytes[2 * k] + 256u * m_bytes[2 * k + 1]; }
+
+    // Units before the zero unit; UX_TEXT_UNITS when there is none.
+    int length() const {
+        int count = 0;
+        while (count < UX_TEXT_UNITS && (*this)[count] != 0)
+            count++;
+        return count;
+    }
+
+  private:
+    const uint8_t *m_bytes;
+};
+
+// A text without an end is not drawn at all.
+void draw_once(const text_box &box, const unit_text &text) {
+    const int length = text.length();
+    if (length == UX_TEXT_UNITS)
+        return;
+    draw_glyphs(
+        box, length, [&](int k) { return text[k]; },
+        [&](int k) { return text[k] == u'\n' || text[k] == u'\r'; });
+}
+
+} // namespace
+} // namespace ux
+
+void set_pixel_bmp(uint8_t *canvas, int width, int x, int y, uint32_t color) noexcept {
+    if (main_screen.bytes_per_pixel != sizeof(ux::argb8888::word)) {
+        fprintf(stderr, "Unknown bpp : %d\n", main_screen.bytes_per_pixel);
+        return;
+    }
+    const int64_t element = int64_t{y} * width + x;
+    const uint8_t bytes[] = {static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
+                             static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 24)};
+    memcpy(canvas + element * static_cast<int64_t>(sizeof bytes), bytes, sizeof bytes);
+}
+
+int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
+                         int size_x, int size_y) noexcept {
+    ux::set_scale(size_x, size_y);
+    uint32_t pairs[ux::k_max_words] = {};
+    const int count = UTF8to16(text, pairs) / 2;
+    const int bytes = text ? static_cast<int>(strnlen(text, ux::k_max_words)) : 0;
+    // Byte 2k + 1 of the text decides, not character k; what lies behind the text breaks nothing.
+    ux::draw_glyphs(
+        {x, y, w, h, size_y, fg, fg != bg}, count, [&](int k) { return pairs[2 * k + 1]; },
+        [&](int k) { return 2 * k + 1 < bytes && text[2 * k + 1] == '\n'; });
+    return 0;
+}
+
+int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
+                  int size_x, int size_y, int, int mode) noexcept {
+    if (mode == ux::k_mode_ticker_up || mode == ux::k_mode_ticker_left)
+        return -1;
+    if (mode != ux::k_mode_once)
+        return 0;
+    ux::set_scale(size_x, size_y);
+    if (text)
+        ux::draw_once({x, y, w, h, size_y, fg, fg != bg}, ux::unit_text(text));
+    return 0;
+}

@@ -1,0 +1,754 @@
+/* SPDX-License-Identifier: MIT */
+/*
+ * ux: pages, containers and widgets, painted in software straight into the Linux framebuffer.
+ *
+ * Purpose. A host (a media player, a set-top box) builds pages out of containers and widgets, shows
+ * one page at a time and hands control to the main loop. Keys and touches arrive from another
+ * process as System V messages; the loop gives keys to the current page's key handlers and touches
+ * to the touched objects, and polls timers.
+ *
+ * Life cycle. ux_system_init(), optionally ux_screen_rorate_init(), build pages and widgets,
+ * ux_screen_show_all(), ux_screen_main_loop() (returns after ux_screen_quit_main_loop()),
+ * ux_system_close().
+ *
+ * Records. Every widget record begins with the common header ux_obj: `&label->obj` is the label as
+ * an object, and its address is the label's own. Records are plain: a host may read every field;
+ * what it may write is told at the field. Setters store and never paint: call the `show` slot
+ * afterwards.
+ *
+ * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
+ * function may be called from another thread, but ux_screen_quit_main_loop() and send_pipe_event().
+ *
+ * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
+ * Paths are ordinary byte strings.
+ *
+ * Results. 0 success, -1 bad argument, not found or out of range, -2 out of memory; constructors
+ * return the new record or null. Errors are reported on standard error. Object pointers are not
+ * tested for null, except where a function says so.
+ */
+#ifndef UX_H
+#define UX_H
+
+#include <stddef.h>
+#include <stdint.h>
+#include <time.h>
+#ifndef __cplusplus
+#include <uchar.h>
+#endif
+
+#define UX_API __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+#define UX_NOEXCEPT noexcept
+extern "C" {
+#else
+#define UX_NOEXCEPT
+#endif
+
+/* ============================================================================================== */
+/* Constants                                                                                      */
+/* ============================================================================================== */
+
+#define UX_MAX_PAGES 32   /* pages that main_screen can hold */
+#define UX_MAX_KEYS 256   /* key codes 0..255 have an entry of their own in a page */
+#define UX_TEXT_UNITS 128 /* 16-bit units in a widget text, the zero unit included */
+#define UX_PATH_BYTES 256 /* bytes in a path field, the zero byte included */
+
+/* Colours are 32-bit ARGB: bits 31-24 alpha, 23-16 red, 15-8 green, 7-0 blue. 0 means no colour:
+ * that background or border side is not painted. On an RGB565 screen boxes and lines store the low
+ * 16 bits as they are. */
+#define UX_COLOR_NONE 0x00000000u         /* paint nothing */
+#define UX_COLOR_BACKGROUND 0xFF000000u   /* default background: opaque black */
+#define UX_COLOR_TEXT 0xFFAAAAAAu         /* default text: grey */
+#define UX_COLOR_BORDER 0xFFFFFFFFu       /* default border: white */
+#define UX_COLOR_BORDER_FOCUS 0xFFFFEE00u /* default border of the focused object: yellow */
+#define UX_COLOR_TEXT_SELECT 0xFFFF0000u  /* default text of a selected button: red */
+
+/* Kinds of objects (ux_obj.type). Bit 31 marks the kinds that hold children. */
+#define UX_TYPE_CONTAINER 0x80000000u   /* the bit */
+#define UX_TYPE_PAGE 0x80000001u        /* ux_page */
+#define UX_TYPE_BOX 0x80000002u         /* ux_container */
+#define UX_TYPE_TEXT_LABEL 0x00000003u  /* ux_text_label */
+#define UX_TYPE_TEXT_BUTTON 0x00000005u /* ux_text_button */
+
+/* Behaviour bits (ux_obj.flags), chosen by the widget or the host. */
+enum {
+    UX_FLAG_SAVE_BG = 0x10, /* keep a copy of the screen under the object before its first paint */
+    UX_FLAG_SAVE_FG = 0x40  /* keep a copy of the painted face and reuse it */
+};
+
+/* State bits (ux_obj.status), kept by the library. */
+enum {
+    UX_ST_FOCUSED = 0x01,     /* has the focus: painted with the focus colours */
+    UX_ST_SELECTED = 0x02,    /* selected (pressed) */
+    UX_ST_VISIBLE = 0x04,     /* shown; painted when its page is the current one */
+    UX_ST_BG_SAVED = 0x10,    /* bg_backup holds a copy */
+    UX_ST_BG_EXTERNAL = 0x20, /* bg_backup was given by the host: never overwritten */
+    UX_ST_FG_SAVED = 0x40     /* fg_backup holds a copy */
+};
+
+/* Sides of a border, for ux_obj_set_border_color(). */
+enum { UX_SIDE_TOP = 1, UX_SIDE_BOTTOM = 2, UX_SIDE_LEFT = 4, UX_SIDE_RIGHT = 8 };
+
+/* Kinds of events (ux_event.type). */
+enum {
+    UX_EVENT_STOP = 0,    /* wakes the reader at the end of the main loop */
+    UX_EVENT_KEY = 1,     /* a key of the remote control */
+    UX_EVENT_TOUCH = 2,   /* a touch of the panel */
+    UX_EVENT_TIMEOUT = 3, /* a timeout of ux_set_timeout() is due */
+    UX_EVENT_ATIMER = 4   /* an alarm of ux_set_atimer() is due */
+};
+
+/* Key codes that widgets know; others pass through unchanged. Digit d has the code d + 1. */
+enum {
+    UX_KEY_0 = 1,
+    UX_KEY_1 = 2,
+    UX_KEY_2 = 3,
+    UX_KEY_3 = 4,
+    UX_KEY_4 = 5,
+    UX_KEY_5 = 6,
+    UX_KEY_6 = 7,
+    UX_KEY_7 = 8,
+    UX_KEY_8 = 9,
+    UX_KEY_9 = 10,
+    UX_KEY_UP = 19,
+    UX_KEY_DOWN = 20,
+    UX_KEY_LEFT = 21,
+    UX_KEY_RIGHT = 22,
+    UX_KEY_OK = 23,
+    UX_KEY_DELETE = 32,
+    UX_KEY_SHIFT = 34,
+    UX_KEY_PUNCTUATION = 35
+};
+
+/* Pixel formats of the screen (ux_screen.color_mode). */
+enum { UX_COLOR_MODE_ARGB8888 = 1, UX_COLOR_MODE_RGB565 = 3 };
+
+/* Display rotations (ux_screen.rotation). */
+enum { UX_ROTATION_NONE = 0, UX_ROTATION_90 = 1, UX_ROTATION_270 = 3 };
+
+/* ============================================================================================== */
+/* Records                                                                                        */
+/* ============================================================================================== */
+
+typedef struct ux_event ux_event;
+typedef struct ux_obj ux_obj;
+typedef struct ux_container ux_container;
+typedef struct ux_page ux_page;
+typedef struct ux_screen ux_screen;
+
+/* Handler of events, keys and timers. The event is valid during the call only. The result is
+ * ignored by the main loop and the timers. */
+typedef int (*ux_handler)(ux_event *ev);
+
+/* One operation of an object, called by generic code. 0 is success. */
+typedef int (*ux_slot)(ux_obj *obj);
+
+/* What a handler is told. */
+struct ux_event {
+    int32_t type;  /* UX_EVENT_* */
+    int32_t value; /* key: the key code, 0..255 from a sane sender; touch: 44; timers: 0 */
+    int32_t x;     /* touch: column in screen pixels; else unspecified */
+    int32_t y;     /* touch: row in screen pixels; else unspecified */
+    ux_obj *obj;   /* key: the page's focus object; touch: the touched object; timers: null */
+    void *data;    /* that object's handler_data, or the timer's data */
+};
+
+/* The header that every page, container and widget begins with. */
+struct ux_obj {
+    int32_t x;                   /* left edge, screen pixels */
+    int32_t y;                   /* top edge, screen pixels */
+    int32_t width;               /* width in pixels */
+    int32_t height;              /* height in pixels */
+    uint32_t flags;              /* UX_FLAG_* bits */
+    uint32_t status;             /* UX_ST_* bits */
+    uint32_t type;               /* UX_TYPE_*; bit 31 = holds children */
+    int32_t page_id;             /* index of the owning page; -1 = made without a parent */
+    int32_t border;              /* border width in pixels; 0 = no border */
+    uint32_t top_color;          /* top side, normal */
+    uint32_t top_focus_color;    /* the colour of all four sides while focused */
+    uint32_t bottom_color;       /* bottom side, normal */
+    uint32_t bottom_focus_color; /* stored, never painted */
+    uint32_t left_color;         /* left side, normal */
+    uint32_t left_focus_color;   /* stored, never painted */
+    uint32_t right_color;        /* right side, normal */
+    uint32_t right_focus_color;  /* stored, never painted */
+    uint32_t alpha;              /* opacity 0..255 */
+    ux_handler handler;          /* touch handler; may be null */
+    void *handler_data;          /* the host's pointer, handed over as the event's data */
+    ux_slot set_focus;           /* gives the object the focus; may be null */
+    ux_slot unset_focus;         /* takes the focus away; may be null */
+    ux_slot set_select;          /* marks it selected; may be null */
+    ux_slot unset_select;        /* clears selected; may be null */
+    ux_slot hide;                /* hides it */
+    ux_slot show;                /* shows and paints it */
+    ux_slot repaint;             /* paints it again if visible, else hides it */
+    ux_slot get_status;          /* returns status */
+    ux_slot free;                /* releases it; null = ux_obj_free() */
+    void *bg_backup;             /* screen pixels under the object, width * height, rows packed */
+    void *fg_backup;             /* pixels of the painted face, same layout; never freed */
+    ux_obj *next;                /* next sibling; written by containers only */
+    ux_obj *parent;              /* the container it is in, or null; written by containers only */
+};
+
+/* An object that holds objects. Its children are newest first. bg_color and bg_image exclude each
+ * other: setting one clears the other. */
+struct ux_container {
+    ux_obj obj;                                           /* the header */
+    uint32_t bg_color;                                    /* background; 0 = none; default black */
+    char bg_image[UX_PATH_BYTES];                         /* picture file; empty = none */
+    uint32_t count;                                       /* number of children */
+    ux_obj *children;                                     /* newest child, or null */
+    int (*add_obj)(ux_container *container, ux_obj *obj); /* links a new child in */
+};
+
+/* A full-screen container: the root of one screen's worth of widgets, with its key handlers. */
+struct ux_page {
+    ux_container container;               /* the container it extends */
+    ux_handler key_handlers[UX_MAX_KEYS]; /* handler of each key code; null = none */
+    ux_handler default_key_handler;       /* for keys without a handler; null = drop them */
+    ux_obj *focus;                        /* the object that has the focus, or null */
+    int (*on_enter)(ux_page *page); /* set by the host: the page becomes current; may be null */
+    int (*on_leave)(ux_page *page, intptr_t a, intptr_t b,
+                    intptr_t c); /* set by the host: the page is left; may be null */
+};
+
+/* The one screen. */
+struct ux_screen {
+    int32_t width;           /* drawing width in pixels, also the row length of buf and fb */
+    int32_t height;          /* drawing height in pixels */
+    int32_t xres;            /* device width in pixels: never exchanged by a rotation */
+    int32_t yres;            /* device height in pixels */
+    int32_t bytes_per_pixel; /* 4 or 2 */
+    int32_t rotation;        /* UX_ROTATION_* */
+    int32_t color_mode;      /* UX_COLOR_MODE_* */
+    uint8_t *fb;             /* the mapped device memory */
+    uint8_t *buf;            /* where painting goes; the same memory unless the host changes it */
+    uint8_t *alpha_plane;    /* given by the host: width / 2 * height bytes, or null */
+    int32_t current_page;    /* index of the page being shown */
+    int32_t page_count;      /* pages made so far; the next page gets this index */
+    ux_page *pages[UX_MAX_PAGES]; /* pages by index */
+};
+
+/* The screen, filled by ux_system_init(). */
+extern UX_API ux_screen main_screen;
+
+/* Printed in every "Error: [%d] ..." message. The library never sets it. */
+extern UX_API int ux_error;
+
+/* ============================================================================================== */
+/* System and screen                                                                              */
+/* ============================================================================================== */
+
+/* Opens and maps /dev/fb0, clears it, opens the font and makes page 0. Always returns 0: device
+ * failures are reported on standard error and leave a screen of 0 x 0 on which nothing may be
+ * painted. A failed mapping ends the process with exit status 1. */
+UX_API int ux_system_init(void) UX_NOEXCEPT;
+
+/* Closes the font, unmaps the screen, closes the device. A `buf` that the host put in is freed with
+ * free(). A second call does nothing. Returns 0. */
+UX_API int ux_system_close(void) UX_NOEXCEPT;
+
+/* Sets the display rotation: "RORATE_90" or "RORATE_270", spelled so, exchange the drawing width
+ * and height; any other string changes nothing. Call it once, after ux_system_init() and before
+ * anything is painted; pages made before keep their size. Returns 0. */
+UX_API int ux_screen_rorate_init(const char *mode) UX_NOEXCEPT;
+
+/* The current page, or null when `current_page` names none. */
+UX_API ux_page *ux_current_page(void) UX_NOEXCEPT;
+
+/* Calls the current page's `show` slot. Returns 0. */
+UX_API int ux_screen_show_all(void) UX_NOEXCEPT;
+
+/* Calls the current page's `repaint` slot, then sleeps for 1 second. Returns 0. */
+UX_API int ux_screen_repaint(void) UX_NOEXCEPT;
+
+/* Calls the current page's on_leave with `a`, `b`, `c`, makes page `index` current, calls its
+ * on_enter and repaints it, which takes 1 second. An index without a page is stored and nothing is
+ * called or painted. Returns 0. */
+UX_API int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
+
+/* Copies a rectangle (pixels) of `buf` to `fb`, turned when the display is rotated. Returns 0, or
+ * -1 when x < 0, y < 0, x > width or y > height. */
+UX_API int ux_screen_blit_rect(int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Runs timers and dispatches events until ux_screen_quit_main_loop() is called: one event per pass,
+ * one pass every 10 ms or slower. Returns 0. */
+UX_API int ux_screen_main_loop(void) UX_NOEXCEPT;
+
+/* Asks the main loop to end; it does at its next test. May be called from any thread. Returns 0. */
+UX_API int ux_screen_quit_main_loop(void) UX_NOEXCEPT;
+
+/* Callback of ux_container_scan() for touches: `rec->obj` is the object visited, `rec->data` the
+ * touch event. Calls the object's handler when the point lies inside it; both edges count. Returns
+ * 1 when a handler was called, else 0. */
+UX_API int touch_position_handler(ux_event *rec) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Objects                                                                                        */
+/* ============================================================================================== */
+
+/* Does nothing and returns 0: fills slots that must not be null. */
+UX_API int ux_obj_noop(ux_obj *obj) UX_NOEXCEPT;
+
+/* Marks the object hidden and paints nothing. Returns 0. */
+UX_API int ux_obj_hide(ux_obj *obj) UX_NOEXCEPT;
+
+/* Calls the object's `set_focus` slot, which must not be null, and returns its result. */
+UX_API int ux_obj_set_focus(ux_obj *obj) UX_NOEXCEPT;
+
+/* Calls the object's `unset_focus` slot, which must not be null, and returns its result. */
+UX_API int ux_obj_unset_focus(ux_obj *obj) UX_NOEXCEPT;
+
+/* Sets UX_FLAG_* bits. Returns 0. */
+UX_API int ux_obj_set_flag(ux_obj *obj, uint32_t bits) UX_NOEXCEPT;
+
+/* Clears UX_FLAG_* bits. Returns 0. */
+UX_API int ux_obj_unset_flag(ux_obj *obj, uint32_t bits) UX_NOEXCEPT;
+
+/* Returns `status`. */
+UX_API int ux_obj_get_status(ux_obj *obj) UX_NOEXCEPT;
+
+/* Stores the whole `status` word and returns `value`. */
+UX_API int ux_obj_set_status(ux_obj *obj, uint32_t value) UX_NOEXCEPT;
+
+/* Stores the low 8 bits of `a` as the opacity: 300 becomes 44. Returns 0. */
+UX_API int ux_obj_set_alpha(ux_obj *obj, uint32_t a) UX_NOEXCEPT;
+
+/* Stores the touch handler and the pointer it is given; both may be null. Returns 0. */
+UX_API int ux_obj_set_handler(ux_obj *obj, ux_handler handler, void *data) UX_NOEXCEPT;
+
+/* Stores one normal and one focus colour for all four sides. Returns 0. */
+UX_API int ux_obj_set_border_colors(ux_obj *obj, uint32_t normal, uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the default border colours: white, yellow while focused. Returns 0. */
+UX_API int ux_obj_set_default_border_color(ux_obj *obj) UX_NOEXCEPT;
+
+/* Stores the colours of the sides named by UX_SIDE_* bits; the others stay. Returns 0. */
+UX_API int ux_obj_set_border_color(ux_obj *obj, uint32_t sides, uint32_t normal,
+                                   uint32_t focus) UX_NOEXCEPT;
+
+/* Copies the pixels under the object from `buf` into `fg_backup`, allocated here when null. Pixels
+ * outside the screen become 0. Returns 0, or -2 when out of memory. */
+UX_API int ux_obj_backup_fg(ux_obj *obj) UX_NOEXCEPT;
+
+/* The same into `bg_backup`. A buffer given by the host is left untouched, and 0 returned. */
+UX_API int ux_obj_backup_bg(ux_obj *obj) UX_NOEXCEPT;
+
+/* Installs the host's own background copy: width * height pixels of the screen's format, rows
+ * packed, from malloc(). A copy of the library's own is freed first. ux_obj_free() frees the
+ * buffer. Returns 0. */
+UX_API int ux_obj_set_bg_buffer(ux_obj *obj, void *pixels) UX_NOEXCEPT;
+
+/* Moves and resizes the object and drops its background copy (a buffer of the host's is not freed).
+ * Paints nothing. Returns 0. */
+UX_API int ux_obj_set_size(ux_obj *obj, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Frees `bg_backup`, whoever gave it, and the record. Does not unlink it. Returns 0. */
+UX_API int ux_obj_free(ux_obj *obj) UX_NOEXCEPT;
+
+/* Makes the object's rectangle visible: ux_screen_blit_rect(). Returns its result. */
+UX_API int ux_object_update(ux_obj *obj) UX_NOEXCEPT;
+
+/* Writes the line "ux_obj_repaint" to standard output, then calls the `show` slot of a visible
+ * object, the `hide` slot of a hidden one. Returns the slot's result. */
+UX_API int ux_obj_repaint(ux_obj *obj) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Pages                                                                                          */
+/* ============================================================================================== */
+
+/* Makes a page of the screen's present size, visible but not current. Returns its index, or -1 when
+ * out of memory or when there are UX_MAX_PAGES already. Pages live until the process ends. */
+UX_API int ux_page_new(void) UX_NOEXCEPT;
+
+/* Registers and fills a zeroed page record of the host's, which must stay. Returns its index or -1.
+ */
+UX_API int ux_page_init(ux_page *page) UX_NOEXCEPT;
+
+/* Sets the handler of one key code, null for none. A key outside 0..255 is ignored. Returns 0. */
+UX_API int ux_page_set_key_handler(ux_page *page, int key, ux_handler handler) UX_NOEXCEPT;
+
+/* Sets the handler of keys that have none of their own, null for none. Returns 0. */
+UX_API int ux_page_set_default_key_handler(ux_page *page, ux_handler handler) UX_NOEXCEPT;
+
+/* Clears `buf` and `fb` to 0. Paints no object and marks nothing hidden. Returns 0. */
+UX_API int ux_page_clean(void) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Containers                                                                                     */
+/* ============================================================================================== */
+
+/* Makes a container and links it into `parent`, which may be null. Coordinates are screen pixels.
+ * Returns null when out of memory. */
+UX_API ux_container *ux_container_new(ux_container *parent, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Links `obj` in as the first child and gives it the container's page. Returns 0, or -1 for null.
+ */
+UX_API int ux_container_add_obj(ux_container *container, ux_obj *obj) UX_NOEXCEPT;
+
+/* Unlinks a direct child and releases it through its `free` slot; its pixels stay on the screen. If
+ * it had its page's focus, the page has none afterwards. `a` and `b` are not used. Returns 0, or -1
+ * when `obj` is null or not a direct child. */
+UX_API int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t a,
+                                intptr_t b) UX_NOEXCEPT;
+
+/* Visits the tree depth first, newest child first: every leaf, and a container itself only when the
+ * results of all its descendants add up to 0. The callback's event holds the object in `obj` and
+ * `arg` in `data`; it may delete objects. Returns the sum of the results, 0 for a null callback. */
+UX_API int ux_container_scan(ux_container *container, ux_handler callback, void *arg) UX_NOEXCEPT;
+
+/* Releases every child through its `free` slot, then the container. Children of child containers
+ * are not released. Returns 0. */
+UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
+
+/* Paints background and border only. A background picture is not painted by this version. Returns
+ * 0. */
+UX_API int ux_container_show_self(ux_container *container) UX_NOEXCEPT;
+
+/* Paints the container, then calls every child's `show` slot, newest first. Returns 0. */
+UX_API int ux_container_show(ux_obj *container) UX_NOEXCEPT;
+
+/* Marks the container hidden. Nothing is painted and children keep their state. Returns 0. */
+UX_API int ux_container_hide_self(ux_container *container) UX_NOEXCEPT;
+
+/* The same as a slot. */
+UX_API int ux_container_hide(ux_obj *container) UX_NOEXCEPT;
+
+/* Paints a visible container and calls every child's `repaint` slot; does nothing more for a hidden
+ * one. Returns 0. */
+UX_API int ux_container_repaint(ux_obj *container) UX_NOEXCEPT;
+
+/* Gives the focus to every child in turn, then to the container, which stays the page's focus.
+ * Returns 0. */
+UX_API int ux_container_set_focus(ux_obj *container) UX_NOEXCEPT;
+
+/* Takes the focus from every child, then from the container; the page's `focus` is left. Returns 0.
+ */
+UX_API int ux_container_unset_focus(ux_obj *container) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_container_set_border(ux_container *container, int n) UX_NOEXCEPT;
+
+/* Stores a background colour, empties the picture path, drops the background copy. Returns 0. */
+UX_API int ux_container_set_bg_color(ux_container *container, uint32_t color) UX_NOEXCEPT;
+
+/* Copies a picture path (at most 255 bytes), sets the colour to 0, drops the background copy. Null
+ * only empties the path. Returns 0. */
+UX_API int ux_container_set_bg_image(ux_container *container, const char *path) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Events                                                                                         */
+/* ============================================================================================== */
+
+/* Makes the pipe /tmp/event, starts the event thread and the bridge from the message queue. Called
+ * by the main loop. Returns 0. */
+UX_API int ux_event_init(void) UX_NOEXCEPT;
+
+/* Stops the bridge and the event thread. Events left in the ring stay. Returns 0. */
+UX_API int ux_event_close(void) UX_NOEXCEPT;
+
+/* Appends a copy of all six fields to the ring of 1023 events. Only one thread may do so. Returns
+ * 0, or -1 when the ring is full. */
+UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
+
+/* Takes the oldest event out into `ev`. Returns 0, or -2 when there is none. */
+UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
+
+/* The event thread: reads messages from the pipe into the ring. */
+UX_API void *event_task(void *unused) UX_NOEXCEPT;
+
+/* Opens the message queue and starts the bridge thread. Returns 0, or -1 on any failure. */
+UX_API int uxEvent_Init_em862x(void) UX_NOEXCEPT;
+
+/* Stops the bridge thread and waits for its end. Returns 0. */
+UX_API int uxEvent_Close_em862x(void) UX_NOEXCEPT;
+
+/* The bridge thread: turns each message of the queue into a text for the pipe. */
+UX_API void *uxEvent_task_em862x(void *unused) UX_NOEXCEPT;
+
+/* Writes one message to the pipe /tmp/event, waiting until a reader has it open. Nothing happens
+ * when there is no pipe, or once the event thread has ended. Returns 0. */
+UX_API int send_pipe_event(const char *text) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Timers                                                                                         */
+/* ============================================================================================== */
+
+/* A one-shot timer due some microseconds after it was set. */
+typedef struct ux_timeout {
+    int32_t id;              /* what ux_set_timeout() returned */
+    int32_t delay;           /* microseconds, as passed */
+    ux_handler callback;     /* called when due */
+    void *data;              /* the host's pointer */
+    int32_t start_sec;       /* time of setting, seconds */
+    int32_t start_usec;      /* time of setting, microseconds */
+    int32_t due_sec;         /* due time, seconds */
+    int32_t due_usec;        /* due time, microseconds 0..999,999 */
+    struct ux_timeout *next; /* next older one */
+} ux_timeout;
+
+/* A one-shot timer due at a calendar date and time. */
+typedef struct ux_atimer {
+    int32_t id;             /* what ux_set_atimer() returned */
+    ux_handler callback;    /* called when due */
+    void *data;             /* the host's pointer */
+    time_t created;         /* time of setting */
+    time_t due;             /* due time */
+    struct ux_atimer *next; /* next older one */
+} ux_atimer;
+
+extern UX_API ux_timeout *ux_timeout_list; /* pending timeouts, newest first */
+extern UX_API int ux_timeout_count;        /* timeouts ever set: the next id */
+extern UX_API ux_atimer *ux_atimer_list;   /* pending alarms, newest first */
+extern UX_API int ux_atimer_count;         /* alarms ever set: the next id */
+
+/* Calls `callback` once, `delay_us` microseconds from now or a little later (the main loop looks
+ * about every 10 ms), with an event of type UX_EVENT_TIMEOUT and `data`. Returns the id, from 0 up,
+ * or -2 when out of memory. */
+UX_API int ux_set_timeout(int delay_us, ux_handler callback, void *data) UX_NOEXCEPT;
+
+/* Removes a timeout; an unknown id does nothing. */
+UX_API void ux_delete_timeout(int id) UX_NOEXCEPT;
+
+/* Fires all due timeouts, newest first. Called by the main loop. */
+UX_API void ux_check_timeout(void) UX_NOEXCEPT;
+
+/* Calls `callback` once at the local time `when`, which mktime() normalises, with an event of type
+ * UX_EVENT_ATIMER and `data`. Returns the id, counted apart from the timeouts', or -2. */
+UX_API int ux_set_atimer(struct tm *when, ux_handler callback, void *data) UX_NOEXCEPT;
+
+/* Removes an alarm; an unknown id does nothing. */
+UX_API void ux_delete_atimer(int id) UX_NOEXCEPT;
+
+/* Fires all due alarms, newest first. Called by the main loop. */
+UX_API void ux_check_atimer(void) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Drawing                                                                                        */
+/* ============================================================================================== */
+
+/* All three draw into `buf` in screen pixels, both end points included, store the colour as it is
+ * (0 too), keep inside the screen's memory and return 0. A run beyond the right edge goes on in the
+ * next row, as the memory does. */
+
+/* A line of single pixels. */
+UX_API int uxDrawLine(int x0, int y0, int x1, int y1, uint32_t color) UX_NOEXCEPT;
+
+/* A filled box; empty when x1 < x0 or y1 < y0. */
+UX_API int uxDrawBox(int x0, int y0, int x1, int y1, uint32_t color) UX_NOEXCEPT;
+
+/* The outline of a box: top, bottom, left, right line. */
+UX_API int uxDrawRect(int x0, int y0, int x1, int y1, uint32_t color) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Pixel blocks                                                                                   */
+/* ============================================================================================== */
+
+/* Draws a block of width x height pixels in the screen's format, rows packed, into `buf` at (x, y),
+ * cut at the right and bottom edge; it stays the caller's. On a 32-bit screen each pixel is blended
+ * by its alpha a: screen = (screen * (256 - a) + source * a) >> 8 for blue, green and red, the
+ * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
+ * draws at once; 9 and above draw nothing and give 0; 1 to 8, the reveal effects, are refused by
+ * this version. Returns 0, or -1 for a null block, a block outside the screen, an unknown pixel
+ * format or a refused effect. */
+UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
+                              int effect) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Fonts and text                                                                                 */
+/* ============================================================================================== */
+
+/* Opens the one font on the graphics engine. Called by ux_system_init(). Returns the renderer's
+ * result; failures of the engine end the process with exit status 1. */
+UX_API int ux_open_font(void) UX_NOEXCEPT;
+
+/* Closes the font. Called by ux_system_close(). Returns 0. */
+UX_API int ux_close_font(void) UX_NOEXCEPT;
+
+/* The renderer behind ux_open_font(). `path` is ignored: the font is /orbo/SDK/Vera.ttf. Returns 0.
+ */
+UX_API int ux_open_font_em862x(const char *path) UX_NOEXCEPT;
+
+/* The renderer behind ux_close_font(). Returns 0. */
+UX_API int ux_close_font_em862x(void) UX_NOEXCEPT;
+
+/* Decodes UTF-8 into pairs of words, (code >> 8, code), for the engine's use. `out` is the caller's
+ * zeroed array of 4,096 words; decoding stops when it is full. Bytes that cannot start a character
+ * leave their pair untouched. Returns the number of words, 0 for null or empty. */
+UX_API int UTF8to16(const char *str, uint32_t *out) UX_NOEXCEPT;
+
+/* Stores `color` at (x, y) of a canvas of 32-bit pixels, `width` pixels wide; no bounds are known.
+ * On a screen of another pixel width it prints "Unknown bpp : %d\n" on standard error instead. */
+UX_API void set_pixel_bmp(uint8_t *canvas, int width, int x, int y, uint32_t color) UX_NOEXCEPT;
+
+/* Draws UTF-8 text in the box (x, y, w, h) of `fb`, glyphs size_x wide and size_y high, in `fg`.
+ * `bg` is the transparent key: nothing shows when fg == bg. A reference for hosts: its line feeds
+ * follow byte positions, not characters. Returns 0. */
+UX_API int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int x, int y, int w,
+                                int h, int size_x, int size_y) UX_NOEXCEPT;
+
+/* Draws text in the box (x, y, w, h) of `fb`. Mode 1: `text` is 16-bit units ended by a zero unit,
+ * at most 127; units 13 and 10 break the line, lines wrap at the glyph that crosses the right edge,
+ * and the text is cut at the last whole line of size_y pixels. `fg` is the ink; `bg` the
+ * transparent key: nothing shows when fg == bg. `step` is for the ticker. Modes 2 and 4, the
+ * ticker, are refused by this version with -1; any other mode does nothing. Returns 0. */
+UX_API int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
+                         int size_x, int size_y, int step, int mode) UX_NOEXCEPT;
+
+/* Converts zero-terminated UTF-8 into at most `capacity` 16-bit units, the zero unit included
+ * (nothing is written when capacity is 0). Characters above U+FFFF become surrogate pairs; invalid
+ * bytes become U+FFFD. Returns the units that the whole text needs, without the zero unit. */
+UX_API size_t ux_text_from_utf8(char16_t *out, size_t capacity, const char *utf8) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Text label                                                                                     */
+/* ============================================================================================== */
+
+/* A passive text. It takes no focus, has no selected state and paints no border. The size of the
+ * text is the environment variable "FontSize" in pixels, read at every paint; font_size when it is
+ * unset. */
+typedef struct ux_text_label {
+    ux_obj obj;                   /* the header */
+    char16_t text[UX_TEXT_UNITS]; /* the text, ended by a zero unit */
+    uint32_t fg_color;            /* text; default grey */
+    uint32_t bg_color;            /* background; 0 = the saved one, if any; default black */
+    int32_t font_size;            /* pixels; default 16 */
+    int32_t style;                /* stored only; default 4 */
+} ux_text_label;
+
+/* Makes a label with a copy of `text` (null = empty) and links it into `parent`, which may be null.
+ * Returns null when out of memory. */
+UX_API ux_text_label *ux_text_label_new(ux_container *parent, int x, int y, int w, int h,
+                                        const char16_t *text) UX_NOEXCEPT;
+
+/* Copies `text` up to its zero unit, 127 units at most; null empties it. Returns 0. */
+UX_API int ux_text_label_set_text(ux_text_label *label, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colour. Returns 0. */
+UX_API int ux_text_label_set_fg_color(ux_text_label *label, uint32_t color) UX_NOEXCEPT;
+
+/* Stores the background colour. Returns 0. */
+UX_API int ux_text_label_set_bg_color(ux_text_label *label, uint32_t color) UX_NOEXCEPT;
+
+/* Returns the background colour. */
+UX_API uint32_t ux_text_label_get_bg_color(const ux_text_label *label) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset; a null label is ignored. Returns
+ * 0. */
+UX_API int ux_text_label_set_font_size(ux_text_label *label, int n) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_text_label_set_font(ux_text_label *label, ...) UX_NOEXCEPT;
+
+/* Stores the style. Returns 0. */
+UX_API int ux_text_label_set_style(ux_text_label *label, int s) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the label. Returns 0. */
+UX_API int ux_text_label_set_size(ux_text_label *label, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the label visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_text_label_show(ux_obj *label) UX_NOEXCEPT;
+
+/* Marks the label hidden; its pixels stay. Returns 0. */
+UX_API int ux_text_label_hide(ux_obj *label) UX_NOEXCEPT;
+
+/* Shows a visible label, hides a hidden one. Returns 0. */
+UX_API int ux_text_label_repaint(ux_obj *label) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Text button                                                                                    */
+/* ============================================================================================== */
+
+/* A text inside a border that can have the focus and be selected; each of the four states has its
+ * own colours, and every change of state repaints it. The screen under it is saved before its first
+ * paint as soon as any of the four backgrounds is 0. Size of the text as told for the label. */
+typedef struct ux_text_button {
+    ux_obj obj;                     /* the header */
+    char16_t text[UX_TEXT_UNITS];   /* the text, ended by a zero unit */
+    uint32_t fg_color;              /* text, normal; default grey */
+    uint32_t bg_color;              /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;        /* text, focused; default grey */
+    uint32_t focus_bg_color;        /* background, focused; default black */
+    uint32_t select_fg_color;       /* text, selected; default red */
+    uint32_t select_bg_color;       /* background, selected; default black */
+    uint32_t select_focus_fg_color; /* text, selected and focused; default red */
+    uint32_t select_focus_bg_color; /* background, selected and focused; default black */
+    int32_t font_size;              /* pixels; default 16 */
+    int32_t style;                  /* stored only; default 4 */
+} ux_text_button;
+
+/* Makes a button with a copy of `text` (null = empty) and links it into `parent`, which may be
+ * null. Returns null when out of memory. */
+UX_API ux_text_button *ux_text_button_new(ux_container *parent, int x, int y, int w, int h,
+                                          const char16_t *text) UX_NOEXCEPT;
+
+/* Fills a zeroed record of the host's and links it into `parent`. A record that is not from
+ * malloc() must not be freed through its `free` slot. Returns 0. */
+UX_API int ux_text_button_init(ux_container *parent, ux_text_button *button, int x, int y, int w,
+                               int h, const char16_t *text) UX_NOEXCEPT;
+
+/* Copies `text` up to its zero unit, 127 units at most; null empties it. Returns 0. */
+UX_API int ux_text_button_set_text(ux_text_button *button, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_text_button_set_fg_color(ux_text_button *button, uint32_t normal,
+                                       uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_text_button_set_bg_color(ux_text_button *button, uint32_t normal,
+                                       uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the selected and the selected and focused state. Returns 0. */
+UX_API int ux_text_button_set_bg_scolor(ux_text_button *button, uint32_t select,
+                                        uint32_t select_focus) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset; a null button is ignored. Returns
+ * 0. */
+UX_API int ux_text_button_set_font_size(ux_text_button *button, int n) UX_NOEXCEPT;
+
+/* Stores the style. Returns 0. */
+UX_API int ux_text_button_set_style(ux_text_button *button, int s) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_text_button_set_font(ux_text_button *button, ...) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_text_button_set_sfont(ux_text_button *button, ...) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_text_button_set_border(ux_text_button *button, int n) UX_NOEXCEPT;
+
+/* Stores the border colours of all four sides, normal and focused. Returns 0. */
+UX_API int ux_text_button_set_border_color(ux_text_button *button, uint32_t normal,
+                                           uint32_t focus) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the button. Returns 0. */
+UX_API int ux_text_button_set_size(ux_text_button *button, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the button visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_text_button_show(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button hidden and, on the current page, paints the saved background. Returns 0. */
+UX_API int ux_text_button_hide(ux_obj *button) UX_NOEXCEPT;
+
+/* Shows a visible button, hides a hidden one. Returns 0. */
+UX_API int ux_text_button_repaint(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button focused, makes it the page's focus object and shows it. Returns 0. */
+UX_API int ux_text_button_set_focus(ux_obj *button) UX_NOEXCEPT;
+
+/* Takes the focused mark away and shows it; it stays the page's focus object. Returns 0. */
+UX_API int ux_text_button_unset_focus(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button selected and shows it. Returns 0. */
+UX_API int ux_text_button_set_select(ux_obj *button) UX_NOEXCEPT;
+
+/* Takes the selected mark away and shows it. Returns 0. */
+UX_API int ux_text_button_unset_select(ux_obj *button) UX_NOEXCEPT;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

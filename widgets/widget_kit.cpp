@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Shared parts of the widgets; see widget_kit.h.
+
+#include "widgets/widget_kit.h"
+
+#include <cstdlib>
+
+namespace ux {
+namespace {
+
+constexpr int k_decimal = 10;
+
+} // namespace
+
+void copy_text(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text) {
+    int k = 0;
+    for (; text && k < UX_TEXT_UNITS && text[k] != u'\0'; k++)
+        field[k] = text[k];
+    if (k < UX_TEXT_UNITS)
+        field[k] = u'\0';
+    else
+        field[UX_TEXT_UNITS - 1] &= 0xFF;
+}
+
+int font_size(int font_size) {
+    const char *text = getenv("FontSize");
+    return text ? static_cast<int>(strtol(text, nullptr, k_decimal)) : font_size;
+}
+
+void paint_text(const char16_t *text, uint32_t fg, uint32_t bg, const rect &box, int size) {
+    constexpr int k_no_step = 0;
+    constexpr int k_draw_once = 1;
+    uxFontDrawing(text, fg, bg, box.x, box.y, box.width, box.height, size, size, k_no_step,
+                  k_draw_once);
+}
+
+void paint_background(const ux_obj *obj, uint32_t bg) {
+    if (bg != UX_COLOR_NONE)
+        paint_fill(obj, bg);
+    else
+        paint_saved_background(obj);
+}
+
+void save_background_once(ux_obj *obj) {
+    if ((obj->flags & UX_FLAG_SAVE_BG) && !(obj->status & UX_ST_BG_SAVED))
+        ux_obj_backup_bg(obj);
+}
+
+} // namespace ux
