@@ -1,0 +1,52 @@
+/* SPDX-License-Identifier: MIT */
+/*
+ * The shared library seen from C: every function is there, survives empty arguments, and nothing of
+ * the inside shows.
+ */
+#include "platform/em862x.h"
+
+#include <dlfcn.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+static void check(int holds, const char *claim) {
+    if (!holds) {
+        fprintf(stderr, "failed: %s\n", claim);
+        exit(1);
+    }
+}
+
+static void check_nulls(void) {
+    FSS_free_char(NULL);
+    RMFreeNonAscii(NULL);
+    RUAFree(NULL, 0);
+    check(RUACreateInstance(NULL, 0) == EM862X_FAILURE, "RUACreateInstance");
+    check(RUAExchangeProperty(NULL, 1, 1, NULL, 0, NULL, 0) == EM862X_FAILURE, "exchange");
+    check(RUASetProperty(NULL, 1, 1, NULL, 0) == EM862X_FAILURE, "RUASetProperty");
+    check(RUAMalloc(NULL, 0, 57, 64) == 0, "RUAMalloc");
+    check(RMnonAsciiFromAscii(NULL) == NULL, "RMnonAsciiFromAscii");
+    check(RMTTOpenFont(NULL, NULL, NULL, NULL) == EM862X_FAILURE, "RMTTOpenFont");
+    check(RMTTCloseFont(NULL, NULL) == EM862X_FAILURE, "RMTTCloseFont");
+}
+
+static void check_glyph(void) {
+    FSS_set_scale(16 << 16, 0, 0, 16 << 16);
+    fss_glyph *glyph = FSS_get_bitmap('A');
+    check(glyph != NULL && glyph->rows > 0 && glyph->pitch > 0, "a glyph");
+    FSS_free_char(glyph);
+}
+
+static void check_hidden(void) {
+    void *library = dlopen("libem862x-host.so.1", RTLD_NOW | RTLD_NOLOAD);
+    check(library != NULL, "the library has its name");
+    check(dlsym(library, "FSS_get_bitmap") != NULL, "public functions are visible");
+    check(dlsym(library, "_ZN6em862x9fss_resetEv") == NULL, "private functions are hidden");
+    dlclose(library);
+}
+
+int main(void) {
+    check_nulls();
+    check_glyph();
+    check_hidden();
+    return 0;
+}
