@@ -4,7 +4,9 @@
 #ifndef UX_GRAPHICS_SIMD_H
 #define UX_GRAPHICS_SIMD_H
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
+#include <cstdint> // tells which C library this is
+
+#if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) &&       \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define UX_MULTIVERSION __attribute__((target_clones("avx2", "default")))
 #else

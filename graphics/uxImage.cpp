@@ -23,28 +23,32 @@ struct placed_block {
 };
 
 // Calls draw(first element on the screen, first element of the block, elements) for each row, as
-// far as the screen's elements exist.
-template <class Pixel, class Draw>
-void for_each_row(const surface<Pixel> &target, const placed_block &block, Draw draw) {
+// far as the `count` elements of the screen reach.
+template <class Draw>
+void for_each_row(int64_t count, const placed_block &block, Draw draw) {
     const int64_t first_row = std::max<int64_t>(0, -int64_t{block.y} - 1);
     for (int64_t row = first_row; row < block.height; row++) {
-        const int64_t start = target.index(block.x, block.y + row);
+        const int64_t start = (block.y + row) * main_screen.width + block.x;
         const int64_t skipped = std::max<int64_t>(0, -start);
-        const int64_t end = std::min(block.width, target.count - start);
+        const int64_t end = std::min(block.width, count - start);
         if (skipped < end)
             draw(start + skipped, row * block.pitch + skipped, end - skipped);
     }
 }
 
-void blend_block(const surface<argb8888> &target, const word32 *pixels, const placed_block &block) {
-    for_each_row(target, block, [&](int64_t to, int64_t from, int64_t count) {
+void blend_block(const word32 *pixels, const placed_block &block) {
+    const surface<argb8888> target = drawing_surface<argb8888>(main_screen);
+    for_each_row(target.count, block, [&](int64_t to, int64_t from, int64_t count) {
         blend_row(target.pixels + to, pixels + from, count);
     });
 }
 
-void copy_block(const surface<rgb565> &target, const word16 *pixels, const placed_block &block) {
-    for_each_row(target, block, [&](int64_t to, int64_t from, int64_t count) {
-        memmove(target.pixels + to, pixels + from, static_cast<size_t>(count) * sizeof(word16));
+// Whole pixels, of however many bytes the device has them.
+void copy_block(const uint8_t *pixels, const placed_block &block) {
+    const int64_t bpp = main_screen.bytes_per_pixel;
+    const int64_t elements = main_screen.buf && bpp > 0 ? element_count(main_screen) : 0;
+    for_each_row(elements, block, [&](int64_t to, int64_t from, int64_t count) {
+        memmove(main_screen.buf + to * bpp, pixels + from * bpp, static_cast<size_t>(count * bpp));
     });
 }
 
@@ -63,17 +67,15 @@ int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
     if (!block || placed.width <= 0 || placed.height <= 0)
         return -1;
     if (main_screen.color_mode == UX_COLOR_MODE_RGB565) {
-        ux::copy_block(ux::drawing_surface<ux::rgb565>(main_screen),
-                       static_cast<const ux::word16 *>(block), placed);
+        ux::copy_block(static_cast<const uint8_t *>(block), placed);
         return 0;
     }
     if (main_screen.color_mode != UX_COLOR_MODE_ARGB8888)
         return -1;
-    if (effect >= ux::k_first_unknown_effect)
+    if (effect < 0 || effect >= ux::k_first_unknown_effect)
         return 0;
     if (effect != 0)
         return -1;
-    ux::blend_block(ux::drawing_surface<ux::argb8888>(main_screen),
-                    static_cast<const ux::word32 *>(block), placed);
+    ux::blend_block(static_cast<const ux::word32 *>(block), placed);
     return 0;
 }

@@ -622,7 +622,8 @@ typedef struct ux_text_label {
 UX_API ux_text_label *ux_text_label_new(ux_container *parent, int x, int y, int w, int h,
                                         const char16_t *text) UX_NOEXCEPT;
 
-/* Copies `text` up to its zero unit, 127 units at most; null empties it. Returns 0. */
+/* Copies `text` up to its zero unit; null empties it. More than 127 units are cut in the middle of
+ * the 128th, and such a text is not drawn. Returns 0. */
 UX_API int ux_text_label_set_text(ux_text_label *label, const char16_t *text) UX_NOEXCEPT;
 
 /* Stores the text colour. Returns 0. */
@@ -688,7 +689,8 @@ UX_API ux_text_button *ux_text_button_new(ux_container *parent, int x, int y, in
 UX_API int ux_text_button_init(ux_container *parent, ux_text_button *button, int x, int y, int w,
                                int h, const char16_t *text) UX_NOEXCEPT;
 
-/* Copies `text` up to its zero unit, 127 units at most; null empties it. Returns 0. */
+/* Copies `text` up to its zero unit; null empties it. More than 127 units are cut in the middle of
+ * the 128th, and such a text is not drawn. Returns 0. */
 UX_API int ux_text_button_set_text(ux_text_button *button, const char16_t *text) UX_NOEXCEPT;
 
 /* Stores the text colours of the normal and the focused state. Returns 0. */
