@@ -15,10 +15,9 @@ inline int64_t element_count(const ux_screen &screen) {
     return int64_t{screen.width} * screen.height;
 }
 
-// Elements of `word_bytes` bytes that fit into each memory: fewer than pixels when the device's pixels
-// are smaller than the format's.
-inline int64_t elements_that_fit(const ux_screen &screen, int64_t word_bytes)
-{
+// Elements of `word_bytes` bytes that fit into each memory: fewer than pixels when the device's
+// pixels are smaller than the format's.
+inline int64_t elements_that_fit(const ux_screen &screen, int64_t word_bytes) {
     const int64_t count = element_count(screen);
     return screen.bytes_per_pixel < word_bytes ? count * screen.bytes_per_pixel / word_bytes
                                                : count;

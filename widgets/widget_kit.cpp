@@ -3,6 +3,8 @@
 
 #include "widgets/widget_kit.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 
 namespace ux {
@@ -22,9 +24,12 @@ void copy_text(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text) {
         field[UX_TEXT_UNITS - 1] &= 0xFF;
 }
 
+// A number that no int holds stays too large to show anything.
 int font_size(int font_size) {
     const char *text = getenv("FontSize");
-    return text ? static_cast<int>(strtol(text, nullptr, k_decimal)) : font_size;
+    if (!text)
+        return font_size;
+    return static_cast<int>(std::clamp<long>(strtol(text, nullptr, k_decimal), INT_MIN, INT_MAX));
 }
 
 void paint_text(const char16_t *text, uint32_t fg, uint32_t bg, const rect &box, int size) {
