@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// Reading ux-sim's command line with getopt_long.
+#include "sim/options.h"
+
+#include "sim/failure.h"
+#include "sim/number.h"
+
+#include <array>
+
+#include <getopt.h>
+
+namespace ux::sim {
+
+namespace {
+
+constexpr int k_longest_timeout_s = 86400;
+
+constexpr const char *k_help =
+    R"(Usage: ux-sim [options] [--] host [arguments]
+
+Runs a host program unchanged, with a screen, an event pipe and an input queue of its own.
+
+  --size WxH           screen size in pixels (default 1280x720)
+  --format FORMAT      argb8888 (default) or rgb565
+  --window             show the screen and a remote control in a window
+  --headless           show nothing
+                       (default: a window where there is a display)
+  --script FILE        send keys and touches, wait, take shots; '-' = standard input
+  --shots DIR          folder for the script's shots (default: the current one)
+  --root DIR           look for /orbo/... and /mnt/firmware/... below DIR first
+  --queue-path PATH    name the input queue by PATH, for ux-remote --queue-path PATH
+  --timeout SECONDS    end a run that takes longer, as a failure
+  --verbose            tell the queue's path and the shots written
+  --help, --version
+
+Script verbs, one a line; '#' starts a comment:
+  key NAME|CODE        touch X Y            shot FILE.png        quit
+  wait MS              wait still MS [within MS]                 wait exit [within MS]
+)";
+
+enum option_code { // beyond the letters
+    o_size = 256,
+    o_format,
+    o_window,
+    o_headless,
+    o_script,
+    o_shots,
+    o_root,
+    o_queue_path,
+    o_timeout,
+    o_verbose,
+    o_help,
+    o_version,
+};
+
+constexpr std::array<option, 13> k_options = {{
+    {"size", required_argument, nullptr, o_size},
+    {"format", required_argument, nullptr, o_format},
+    {"window", no_argument, nullptr, o_window},
+    {"headless", no_argument, nullptr, o_headless},
+    {"script", required_argument, nullptr, o_script},
+    {"shots", required_argument, nullptr, o_shots},
+    {"root", required_argument, nullptr, o_root},
+    {"queue-path", required_argument, nullptr, o_queue_path},
+    {"timeout", required_argument, nullptr, o_timeout},
+    {"verbose", no_argument, nullptr, o_verbose},
+    {"help", no_argument, nullptr, o_help},
+    {"version", no_argument, nullptr, o_version},
+    {nullptr, 0, nullptr, 0},
+}};
+
+[[noreturn]] void refuse(const std::string &text) {
+    throw usage_failure(text + "; see ux-sim --help");
+}
+
+void read_size(const std::string &text, screen_shape &shape) {
+    size_t cross = text.find('x');
+    std::string_view view = text;
+    if (cross != std::string::npos) {
+        auto width = number_in(view.substr(0, cross), 1, k_largest_side);
+        auto height = number_in(view.substr(cross + 1), 1, k_largest_side);
+        if (width && height) {
+            shape.width = *width;
+            shape.height = *height;
+            return;
+        }
+    }
+    refuse("--size wants WIDTHxHEIGHT, each 1 to " + std::to_string(k_largest_side) + ", not '" +
+           text + "'");
+}
+
+pixel_format read_format(const std::string &text) {
+    if (text == "argb8888") {
+        return pixel_format::argb8888;
+    }
+    if (text != "rgb565") {
+        refuse("--format is argb8888 or rgb565, not '" + text + "'");
+    }
+    return pixel_format::rgb565;
+}
+
+int read_timeout(const std::string &text) {
+    auto seconds = number_in(text, 1, k_longest_timeout_s);
+    if (!seconds) {
+        refuse("--timeout wants 1 to " + std::to_string(k_longest_timeout_s) + " seconds, not '" +
+               text + "'");
+    }
+    return *seconds;
+}
+
+std::string read_path(const char *name, const std::string &text) {
+    if (text.empty()) {
+        refuse(std::string("--") + name + " wants a path");
+    }
+    return text;
+}
+
+void apply(int code, const std::string &argument, options &run) {
+    switch (code) {
+    case o_size:
+        return read_size(argument, run.shape);
+    case o_format:
+        run.shape.format = read_format(argument);
+        return;
+    case o_window:
+        run.display = display_choice::window;
+        return;
+    case o_headless:
+        run.display = display_choice::headless;
+        return;
+    case o_script:
+        run.script = read_path("script", argument);
+        return;
+    case o_shots:
+        run.shots = read_path("shots", argument);
+        return;
+    case o_root:
+        run.root = read_path("root", argument);
+        return;
+    case o_queue_path:
+        run.queue_path = read_path("queue-path", argument);
+        return;
+    case o_timeout:
+        run.timeout_s = read_timeout(argument);
+        return;
+    case o_verbose:
+        run.verbose = true;
+        return;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+command_line parse_command_line(int argc, char **argv) {
+    options run;
+    optind = 0; // a fresh scan, also for the second call in one process
+    opterr = 0;
+    for (;;) {
+        int at = optind == 0 ? 1 : optind;
+        int code = getopt_long(argc, argv, "+:", k_options.data(), nullptr);
+        if (code == -1) {
+            break;
+        }
+        if (code == '?') {
+            refuse(std::string("unknown option or stray argument in '") + argv[at] + "'");
+        }
+        if (code == ':') {
+            refuse(std::string("'") + argv[at] + "' wants an argument");
+        }
+        if (code == o_help) {
+            return {.run = std::nullopt, .text = k_help};
+        }
+        if (code == o_version) {
+            return {.run = std::nullopt, .text = "ux-sim " UX_VERSION "\n"};
+        }
+        apply(code, optarg == nullptr ? "" : optarg, run);
+    }
+    run.host.assign(argv + optind, argv + argc);
+    if (run.host.empty() || run.host.front().empty()) {
+        refuse("no host program given");
+    }
+    return {.run = run, .text = {}};
+}
+
+} // namespace ux::sim

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// The command line of ux-sim: what a run is asked to be.
+#pragma once
+
+#include "sim/screen.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ux::sim {
+
+enum class display_choice { automatic, headless, window };
+
+struct options {
+    screen_shape shape;
+    display_choice display = display_choice::automatic;
+    std::string script;      // file, "-" = standard input, empty = none
+    std::string shots = "."; // folder for the pictures
+    std::string root;        // stands in for the device's folders; empty = none
+    std::string queue_path;  // names the queue; empty = the run's own folder
+    int timeout_s = 0;       // of the whole run; 0 = none
+    bool verbose = false;
+    std::vector<std::string> host; // program and arguments
+};
+
+// What the command line asks for: either a run, or only a text on standard output.
+struct command_line {
+    std::optional<options> run;
+    std::string text;
+};
+
+// Throws usage_failure.
+command_line parse_command_line(int argc, char **argv);
+
+} // namespace ux::sim

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: MIT
+// The run's loop: signals, host, picture, input, script, window, in this order every few
+// milliseconds.
+#include "sim/runner.h"
+
+#include "sim/delivery.h"
+#include "sim/failure.h"
+#include "sim/host_process.h"
+#include "sim/player.h"
+#include "sim/run_folder.h"
+#include "sim/screen.h"
+#include "sim/shot.h"
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace ux::sim {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds k_patience{2000};  // between SIGTERM and SIGKILL
+constexpr milliseconds k_script_tick{5};  // finer than a main loop's pass
+constexpr milliseconds k_window_tick{16}; // about 60 pictures a second
+constexpr milliseconds k_idle_tick{250};  // nothing to watch but the host's end
+
+// Signals arrive here and nowhere else, so that every end is a clean one.
+class signal_watch {
+  public:
+    signal_watch() {
+        sigset_t watched;
+        sigemptyset(&watched);
+        for (int number : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
+            sigaddset(&watched, number);
+        }
+        sigprocmask(SIG_BLOCK, &watched, nullptr);
+        signal(SIGPIPE, SIG_IGN);
+        m_fd = signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
+        if (m_fd == -1) {
+            throw failure(system_reason("cannot watch signals"));
+        }
+    }
+    signal_watch(const signal_watch &) = delete;
+    signal_watch &operator=(const signal_watch &) = delete;
+    ~signal_watch() { close(m_fd); }
+
+    int fd() const { return m_fd; }
+
+    // The signal that asks this program to end, 0 = none.
+    int end_signal() {
+        signalfd_siginfo info{};
+        while (read(m_fd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+            if (info.ssi_signo != SIGCHLD) {
+                m_end_signal = static_cast<int>(info.ssi_signo);
+            }
+        }
+        return m_end_signal;
+    }
+
+  private:
+    int m_fd = -1;
+    int m_end_signal = 0;
+};
+
+void tell(const options &run, const std::string &text) {
+    if (run.verbose) {
+        std::fprintf(stderr, "ux-sim: %s\n", text.c_str());
+    }
+}
+
+std::string shape_text(const screen_shape &shape) {
+    return std::to_string(shape.width) + "x" + std::to_string(shape.height) + "x" +
+           std::to_string(shape.bytes_per_pixel() * 8);
+}
+
+std::string absolute_folder(const std::string &path) {
+    std::error_code error;
+    std::filesystem::path result = std::filesystem::canonical(path, error);
+    if (error || !std::filesystem::is_directory(result)) {
+        throw usage_failure("--root " + path + " is no folder");
+    }
+    return result.string();
+}
+
+host_setup setup_for(const options &run, const run_folder &folder, const shared_screen &screen) {
+    return {
+        .arguments = run.host,
+        .variables = {{"UX_SIM_MEMORY", screen.path()},
+                      {"UX_SIM_SCREEN", shape_text(run.shape)},
+                      {"UX_SIM_PIPE", folder.pipe()},
+                      {"UX_SIM_QUEUE", folder.queue_path()},
+                      {"UX_SIM_ROOT", run.root.empty() ? "" : absolute_folder(run.root)}},
+        .preload = folder.preload_name(find_shim()),
+    };
+}
+
+bool died_badly(const host_end &end) {
+    return end.by_signal() && end.signal() != SIGTERM && end.signal() != SIGKILL;
+}
+
+class runner {
+  public:
+    runner(const options &run, const script *steps, const viewer_maker &make_viewer)
+        : m_run(run), m_folder(run.queue_path), m_screen(run.shape),
+          m_watch(m_screen, steady::now()), m_input(m_folder) {
+        prepare_shots(steps);
+        if (make_viewer) {
+            m_viewer = make_viewer(m_screen);
+        }
+        tell(run, "queue path " + m_folder.queue_path());
+        m_host.emplace(setup_for(run, m_folder, m_screen));
+        m_started = steady::now();
+        if (steps != nullptr) {
+            m_player.emplace(*steps, stage{m_screen, m_watch, m_input, shot_taker()}, m_started);
+        }
+    }
+
+    int carry_out() {
+        for (;;) {
+            if (int number = m_signals.end_signal()) {
+                m_host->stop(k_patience);
+                return k_status_signal_base + number;
+            }
+            if (auto status = pass()) {
+                return *status;
+            }
+            wait();
+        }
+    }
+
+  private:
+    // One look at everything; the exit status once the run is over.
+    std::optional<int> pass() {
+        const auto ended = m_host->poll();
+        const auto now = steady::now();
+        const bool watching = m_player || m_viewer;
+        const row_range changed = watching ? m_watch.look(now) : row_range{};
+        if (!ended) {
+            m_input.step(now);
+        }
+        if (m_player) {
+            m_player->step(ended, now);
+            if (m_player->finished()) {
+                return finish();
+            }
+        } else if (ended) {
+            return finish_with(*ended);
+        }
+        check_timeout(now);
+        if (m_viewer && !show(changed)) {
+            m_host->stop(k_patience);
+            return k_status_ok;
+        }
+        return std::nullopt;
+    }
+
+    bool show(const row_range &changed) {
+        bool open =
+            m_viewer->handle_input([this](const input_message &message) { m_input.post(message); });
+        m_viewer->show(changed);
+        return open;
+    }
+
+    void wait() {
+        std::array<pollfd, 2> files = {
+            {{.fd = m_signals.fd(), .events = POLLIN, .revents = 0},
+             {.fd = m_input.watch_fd(), .events = POLLIN, .revents = 0}}};
+        milliseconds tick = m_player ? k_script_tick : m_viewer ? k_window_tick : k_idle_tick;
+        ::poll(files.data(), files.size(), static_cast<int>(tick.count()));
+    }
+
+    // The script is through.
+    int finish() {
+        const bool alive = !m_host->poll();
+        const host_end end = m_host->stop(k_patience);
+        if (alive && died_badly(end)) {
+            throw failure("the host " + end.description() + " when it was asked to end");
+        }
+        if (alive && end.by_signal() && end.signal() == SIGKILL) {
+            std::fputs("ux-sim: the host did not end when asked to; killed\n", stderr);
+        }
+        return k_status_ok;
+    }
+
+    // The host ended by itself and no script cared.
+    int finish_with(const host_end &end) {
+        if (end.by_signal()) {
+            throw failure("the host " + end.description(), end.as_exit_status());
+        }
+        return end.exit_code();
+    }
+
+    void check_timeout(steady::time_point now) {
+        if (m_run.timeout_s == 0 || now - m_started < std::chrono::seconds(m_run.timeout_s)) {
+            return;
+        }
+        std::string when = m_player ? " at " + m_player->where() : "";
+        m_host->stop(k_patience);
+        throw failure("the run took longer than " + std::to_string(m_run.timeout_s) + " s" + when);
+    }
+
+    void prepare_shots(const script *steps) {
+        bool any = false;
+        for (size_t at = 0; steps != nullptr && at < steps->steps.size(); ++at) {
+            any = any || steps->steps[at].what == verb::shot;
+        }
+        std::error_code error;
+        if (any && !std::filesystem::create_directories(m_run.shots, error) && error) {
+            throw failure("cannot make the folder " + m_run.shots + ": " + error.message());
+        }
+    }
+
+    std::function<void(const std::string &)> shot_taker() {
+        return [this](const std::string &file) {
+            std::string path = (std::filesystem::path(m_run.shots) / file).string();
+            write_shot(m_screen, path);
+            tell(m_run, "shot " + path);
+        };
+    }
+
+    const options &m_run;
+    signal_watch m_signals;
+    run_folder m_folder;
+    shared_screen m_screen;
+    screen_watch m_watch;
+    delivery m_input;
+    std::unique_ptr<viewer> m_viewer;
+    std::optional<host_process> m_host; // goes first
+    std::optional<player> m_player;
+    steady::time_point m_started;
+};
+
+} // namespace
+
+int carry_out(const options &run, const script *steps, const viewer_maker &make_viewer) {
+    return runner(run, steps, make_viewer).carry_out();
+}
+
+} // namespace ux::sim

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// Shared memory by memfd, pixels to RGB, and the comparison of rows.
+#include "sim/screen.h"
+
+#include "sim/failure.h"
+
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace ux::sim {
+
+namespace {
+
+// A host maps one page more than its picture needs.
+size_t memory_bytes(const screen_shape &shape) {
+    auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    return (shape.bytes() + page - 1) / page * page + page;
+}
+
+struct rgb {
+    uint8_t red, green, blue;
+};
+
+rgb widen_565(uint16_t pixel) {
+    unsigned red = pixel >> 11 & 0x1f;
+    unsigned green = pixel >> 5 & 0x3f;
+    unsigned blue = pixel & 0x1f;
+    return {static_cast<uint8_t>(red << 3 | red >> 2),
+            static_cast<uint8_t>(green << 2 | green >> 4),
+            static_cast<uint8_t>(blue << 3 | blue >> 2)};
+}
+
+rgb drop_alpha(uint32_t pixel) {
+    return {static_cast<uint8_t>(pixel >> 16), static_cast<uint8_t>(pixel >> 8),
+            static_cast<uint8_t>(pixel)};
+}
+
+template <class Word, class Convert>
+std::vector<uint8_t> convert(std::span<const std::byte> pixels, Convert to_rgb) {
+    std::vector<uint8_t> result;
+    result.reserve(pixels.size() / sizeof(Word) * 3);
+    for (size_t at = 0; at + sizeof(Word) <= pixels.size(); at += sizeof(Word)) {
+        Word word;
+        std::memcpy(&word, pixels.data() + at, sizeof word);
+        rgb colour = to_rgb(word);
+        result.insert(result.end(), {colour.red, colour.green, colour.blue});
+    }
+    return result;
+}
+
+} // namespace
+
+std::vector<uint8_t> picture_as_rgb(const screen_shape &shape, std::span<const std::byte> pixels) {
+    return shape.format == pixel_format::rgb565 ? convert<uint16_t>(pixels, widen_565)
+                                                : convert<uint32_t>(pixels, drop_alpha);
+}
+
+shared_screen::shared_screen(const screen_shape &shape)
+    : m_shape(shape), m_mapped_bytes(memory_bytes(shape)) {
+    m_fd = memfd_create("ux-sim-screen", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (m_fd == -1) {
+        throw failure(system_reason("cannot make the screen's memory"));
+    }
+    // Sealed in size: a host that truncates its screen must not take the viewer with it.
+    void *memory = MAP_FAILED;
+    if (ftruncate(m_fd, static_cast<off_t>(m_mapped_bytes)) == 0 &&
+        fcntl(m_fd, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0) {
+        memory = mmap(nullptr, m_mapped_bytes, PROT_READ, MAP_SHARED, m_fd, 0);
+    }
+    if (memory == MAP_FAILED) {
+        std::string reason = system_reason("cannot map the screen's memory");
+        close(m_fd);
+        throw failure(reason);
+    }
+    m_pixels = static_cast<std::byte *>(memory);
+}
+
+shared_screen::~shared_screen() {
+    munmap(m_pixels, m_mapped_bytes);
+    close(m_fd);
+}
+
+std::string shared_screen::path() const {
+    return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(m_fd);
+}
+
+screen_watch::screen_watch(const shared_screen &screen, steady::time_point now)
+    : m_screen(screen), m_seen(screen.pixels().begin(), screen.pixels().end()), m_last_change(now) {
+}
+
+row_range screen_watch::look(steady::time_point now) {
+    const size_t row_bytes = m_screen.shape().row_bytes();
+    const std::byte *shown = m_screen.pixels().data();
+    row_range changed;
+    for (int row = 0; row < m_screen.shape().height; ++row) {
+        std::byte *seen = m_seen.data() + row * row_bytes;
+        if (std::memcmp(seen, shown + row * row_bytes, row_bytes) == 0) {
+            continue;
+        }
+        std::memcpy(seen, shown + row * row_bytes, row_bytes);
+        if (changed.count == 0) {
+            changed.first = row;
+        }
+        changed.count = row - changed.first + 1;
+    }
+    if (changed.count > 0) {
+        m_last_change = now;
+        m_ever_changed = true;
+    }
+    return changed;
+}
+
+} // namespace ux::sim
