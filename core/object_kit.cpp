@@ -4,10 +4,12 @@
 #include "core/object_kit.h"
 
 #include "core/save_area.h"
+#include "graphics/surface.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 
 namespace ux {
 namespace {
@@ -34,6 +36,29 @@ void paint_side(int x0, int y0, int x1, int y1, uint32_t color) {
 // A sum of coordinates; what no screen reaches is cut at the largest number.
 int coordinate(int64_t sum) {
     return static_cast<int>(std::clamp<int64_t>(sum, INT_MIN, INT_MAX));
+}
+
+// In each ring the sides in this order: later ones win the corners.
+void paint_ring(const ux_obj *obj, int64_t i, const border_colors &colors) {
+    const int left = coordinate(obj->x + i);
+    const int top = coordinate(obj->y + i);
+    const int right = coordinate(int64_t{obj->x} + obj->width - 1 - i);
+    const int bottom = coordinate(int64_t{obj->y} + obj->height - 1 - i);
+    paint_side(left, top, right, top, colors.top);
+    paint_side(left, bottom, right, bottom, colors.bottom);
+    paint_side(left, top, left, bottom, colors.left);
+    paint_side(right, top, right, bottom, colors.right);
+}
+
+// From this ring on, top and bottom lie beyond the screen's memory, while left and right run
+// through all its rows: they paint whole columns, for a column outside the screen lies in other
+// rows of it.
+int64_t first_far_ring(const ux_obj *obj) {
+    const int64_t width = main_screen.width;
+    const int64_t rows =
+        std::abs(int64_t{obj->y}) + std::abs(int64_t{obj->height}) + main_screen.height + 2;
+    const int64_t columns = std::abs(int64_t{obj->x}) + std::abs(int64_t{obj->width});
+    return (rows * width + columns) / std::max<int64_t>(width - 1, 1) + 1;
 }
 
 } // namespace
@@ -94,25 +119,21 @@ void take_focus(ux_obj *obj) {
         page->focus = obj;
 }
 
-// Rings from the outside in, in each the sides in this order: later ones win the corners. Rings
-// further in than the screen is large paint nothing.
+// Rings from the outside in. Of the far ones only the last count: as many as the screen has columns
+// paint over all that came before.
 void paint_border(const ux_obj *obj) {
+    if (element_count(main_screen) == 0)
+        return;
     const border_colors colors = colors_of(obj);
-    const int rings = static_cast<int>(
-        std::min<int64_t>(obj->border, int64_t{main_screen.width} + main_screen.height));
-    for (int i = 0; i < rings; i++) {
-        const int left = coordinate(int64_t{obj->x} + i);
-        const int top = coordinate(int64_t{obj->y} + i);
-        const int right = coordinate(int64_t{obj->x} + obj->width - 1 - i);
-        const int bottom = coordinate(int64_t{obj->y} + obj->height - 1 - i);
-        paint_side(left, top, right, top, colors.top);
-        paint_side(left, bottom, right, bottom, colors.bottom);
-        paint_side(left, top, left, bottom, colors.left);
-        paint_side(right, top, right, bottom, colors.right);
-    }
+    const int64_t far = first_far_ring(obj);
+    const int64_t resumed = std::max(far, int64_t{obj->border} - main_screen.width);
+    for (int64_t i = 0; i < obj->border; i = i + 1 == far ? resumed : i + 1)
+        paint_ring(obj, i, colors);
 }
 
 void paint_fill(const ux_obj *obj, uint32_t color) {
+    if (obj->width <= 0 || obj->height <= 0)
+        return;
     uxDrawBox(obj->x, obj->y, coordinate(int64_t{obj->x} + obj->width - 1),
               coordinate(int64_t{obj->y} + obj->height - 1), color);
 }
@@ -128,8 +149,6 @@ void paint_saved_background(const ux_obj *obj) {
 }
 
 void drop_saved_background(ux_obj *obj) {
-    if (!obj->bg_backup)
-        return;
     if (!(obj->status & UX_ST_BG_EXTERNAL))
         free(obj->bg_backup);
     obj->status &= ~static_cast<uint32_t>(UX_ST_BG_SAVED | UX_ST_BG_EXTERNAL);

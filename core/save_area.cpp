@@ -18,11 +18,17 @@ struct area_size {
     size_t rows;
 };
 
-area_size size_of(int width, int height) {
-    if (width <= 0 || height <= 0 || main_screen.bytes_per_pixel <= 0)
+area_size size_of(int width, int height, int pixel_bytes) {
+    if (width <= 0 || height <= 0 || pixel_bytes <= 0)
         return {0, 0};
-    return {static_cast<size_t>(width) * static_cast<size_t>(main_screen.bytes_per_pixel),
+    return {static_cast<size_t>(width) * static_cast<size_t>(pixel_bytes),
             static_cast<size_t>(height)};
+}
+
+// What ux_draw_image_buff() reads for a pixel: more than a device of small pixels has.
+int drawn_pixel_bytes() {
+    return main_screen.color_mode == UX_COLOR_MODE_ARGB8888 ? int{sizeof(uint32_t)}
+                                                            : main_screen.bytes_per_pixel;
 }
 
 bool reserve(void **area, const area_size &size) {
@@ -54,7 +60,7 @@ void copy_row(uint8_t *to, int64_t offset, int64_t bytes, int64_t screen_bytes) 
 } // namespace
 
 bool save_screen(void **area, const ux_obj *obj) {
-    const area_size size = size_of(obj->width, obj->height);
+    const area_size size = size_of(obj->width, obj->height, main_screen.bytes_per_pixel);
     if (!reserve(area, size))
         return false;
     const int64_t bpp = main_screen.bytes_per_pixel;
@@ -71,7 +77,7 @@ bool save_screen(void **area, const ux_obj *obj) {
 }
 
 int save_area_rows(void *area, int width, int height) {
-    const area_size size = size_of(width, height);
+    const area_size size = size_of(width, height, drawn_pixel_bytes());
     if (size.row_bytes == 0)
         return 0;
     const size_t fitting = malloc_usable_size(area) / size.row_bytes;

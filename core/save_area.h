@@ -13,7 +13,8 @@ namespace ux {
 // is unchanged if not.
 bool save_screen(void **area, const ux_obj *obj);
 
-// How many of `height` rows of `width` pixels lie inside an allocated area.
+// How many of `height` rows of `width` pixels, as ux_draw_image_buff() reads them, lie inside an
+// allocated area.
 int save_area_rows(void *area, int width, int height);
 
 } // namespace ux

@@ -120,7 +120,8 @@ int ux_obj_set_size(ux_obj *obj, int x, int y, int w, int h) noexcept {
     obj->y = y;
     obj->width = w;
     obj->height = h;
-    ux::drop_saved_background(obj);
+    if (obj->bg_backup)
+        ux::drop_saved_background(obj);
     return 0;
 }
 

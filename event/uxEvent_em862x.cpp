@@ -134,6 +134,8 @@ void receive_all() {
 } // namespace ux
 
 int uxEvent_Init_em862x() noexcept {
+    if (ux::s_bridge.is_started())
+        return -1;
     ux::msgkey_ir_recv = ftok(ux::k_queue_path, ux::k_queue_project);
     if (ux::msgkey_ir_recv == -1) {
         perror("ftok ,msg queue key msgkey_ir_send error!\n");

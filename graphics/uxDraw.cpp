@@ -20,7 +20,13 @@ void fill_elements(const surface<Pixel> &target, int64_t first, int64_t last,
         fill(target.pixels + first, last - first + 1, value);
 }
 
-// Rows that are as long as the screen's touch each other: they are one run.
+// The largest integer that is not above a / b; b > 0.
+int64_t floor_divided(int64_t a, int64_t b) {
+    return a / b - (a % b < 0 ? 1 : 0);
+}
+
+// Rows that are as long as the screen's touch each other: they are one run. Of narrower boxes only
+// the rows with an element in the memory are walked, wherever their columns lie.
 template <class Pixel>
 void draw_box(const surface<Pixel> &target, int x0, int y0, int x1, int y1,
               typename Pixel::word value) {
@@ -30,10 +36,9 @@ void draw_box(const surface<Pixel> &target, int x0, int y0, int x1, int y1,
         fill_elements(target, target.index(x0, y0), target.index(x1, y1), value);
         return;
     }
-    const int64_t above = (target.width + std::max<int64_t>(x1, 0)) / target.width;
-    const int64_t below = (target.count - std::min<int64_t>(x0, 0)) / target.width;
-    const int64_t last = std::min<int64_t>(y1, below);
-    for (int64_t y = std::max<int64_t>(y0, -above); y <= last; y++)
+    const int64_t first = std::max<int64_t>(y0, -floor_divided(x1, target.width));
+    const int64_t last = std::min<int64_t>(y1, floor_divided(target.count - 1 - x0, target.width));
+    for (int64_t y = first; y <= last; y++)
         fill_elements(target, target.index(x0, y), target.index(x1, y), value);
 }
 

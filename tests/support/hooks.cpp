@@ -70,6 +70,8 @@ int __real_munmap(void *, size_t);
 int __real_unlink(const char *);
 int __real_mknod(const char *, mode_t, dev_t);
 key_t __real_ftok(const char *, int);
+int __real_ux_event_init() noexcept;
+int __real_ux_event_close() noexcept;
 
 void *__wrap_malloc(size_t bytes) {
     return hooks::allocation_fails() ? nullptr : __real_malloc(bytes);
@@ -154,6 +156,14 @@ int __wrap_mknod(const char *path, mode_t mode, dev_t device) {
 key_t __wrap_ftok(const char *path, int project) {
     const bool is_queue = !get().queue_path.empty() && strcmp(path, "/tmp") == 0;
     return __real_ftok(is_queue ? get().queue_path.c_str() : path, project);
+}
+
+int __wrap_ux_event_init() noexcept {
+    return get().event_init ? get().event_init() : __real_ux_event_init();
+}
+
+int __wrap_ux_event_close() noexcept {
+    return get().event_close ? get().event_close() : __real_ux_event_close();
 }
 
 } // extern "C"

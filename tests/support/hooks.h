@@ -36,6 +36,10 @@ struct state {
         mmap;
     std::function<int(void *base, size_t bytes)> munmap;
     std::function<int(int descriptor)> close;
+
+    // The event machinery around the main loop: null = the real threads, pipe and queue.
+    std::function<int()> event_init;
+    std::function<int()> event_close;
 };
 
 // The one state. Set it before threads are started.

@@ -104,7 +104,7 @@ class dice {
         return std::uniform_int_distribution<int>(first, last)(m_engine);
     }
 
-    uint32_t word() { return m_engine(); }
+    uint32_t word() { return static_cast<uint32_t>(m_engine()); }
 
   private:
     std::mt19937 m_engine;
