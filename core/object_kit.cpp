@@ -4,7 +4,6 @@
 #include "core/object_kit.h"
 
 #include "core/save_area.h"
-#include "graphics/surface.h"
 
 #include <algorithm>
 #include <climits>
@@ -48,17 +47,6 @@ void paint_ring(const ux_obj *obj, int64_t i, const border_colors &colors) {
     paint_side(left, bottom, right, bottom, colors.bottom);
     paint_side(left, top, left, bottom, colors.left);
     paint_side(right, top, right, bottom, colors.right);
-}
-
-// From this ring on, top and bottom lie beyond the screen's memory, while left and right run
-// through all its rows: they paint whole columns, for a column outside the screen lies in other
-// rows of it.
-int64_t first_far_ring(const ux_obj *obj) {
-    const int64_t width = main_screen.width;
-    const int64_t rows =
-        std::abs(int64_t{obj->y}) + std::abs(int64_t{obj->height}) + main_screen.height + 2;
-    const int64_t columns = std::abs(int64_t{obj->x}) + std::abs(int64_t{obj->width});
-    return (rows * width + columns) / std::max<int64_t>(width - 1, 1) + 1;
 }
 
 } // namespace
@@ -119,15 +107,13 @@ void take_focus(ux_obj *obj) {
         page->focus = obj;
 }
 
-// Rings from the outside in. Of the far ones only the last count: as many as the screen has columns
-// paint over all that came before.
+// Rings from the outside in. An object on the screen has none that is further in than the screen is
+// wide and high; of others no more are painted either.
 void paint_border(const ux_obj *obj) {
-    if (element_count(main_screen) == 0)
-        return;
     const border_colors colors = colors_of(obj);
-    const int64_t far = first_far_ring(obj);
-    const int64_t resumed = std::max(far, int64_t{obj->border} - main_screen.width);
-    for (int64_t i = 0; i < obj->border; i = i + 1 == far ? resumed : i + 1)
+    const int64_t rings =
+        std::min<int64_t>(obj->border, int64_t{main_screen.width} + main_screen.height);
+    for (int64_t i = 0; i < rings; i++)
         paint_ring(obj, i, colors);
 }
 

@@ -16,8 +16,8 @@ struct call_log {
 call_log s_log;
 
 void log_call(const char *name, const ux_obj *obj) {
-    s_log.calls +=
-        name + std::to_string(obj->page_id) + "@" + std::to_string(main_screen.current_page) + " ";
+    s_log.calls += std::string(name) + std::to_string(obj->page_id) + "@" +
+                   std::to_string(main_screen.current_page) + " ";
 }
 
 int log_show(ux_obj *obj) {
