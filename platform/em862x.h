@@ -15,7 +15,7 @@
 extern "C" {
 #endif
 
-/* Results of the RUA and RMTT calls. Any other value is a failure too. */
+/* Results of the RUA, RMTT and file calls. Any other value is a failure too. */
 enum {
     EM862X_SUCCESS = 6, /* done */
     EM862X_BUSY = 7,    /* the engine is occupied: try again */
@@ -97,6 +97,78 @@ int RMTTOpenFont(rua_instance *instance, rmtt_font **font, const rm_non_ascii *p
 
 /* Closes an open font; null is refused. */
 int RMTTCloseFont(rua_instance *instance, rmtt_font *font);
+
+/* --- Files ------------------------------------------------------------------------------------ */
+
+/*
+ * A file open for reading: one on a disk, or any source of bytes that a cookie stands for. It is
+ * read once from front to back.
+ */
+typedef struct rm_file rm_file;
+
+/* What reads and closes the source of bytes that a cookie stands for. */
+typedef struct rm_file_ops {
+    /*
+     * Puts 1 to `bytes` bytes at `data` and their number into *read_bytes, waiting for the first if
+     * it must; 0 of them at the end. EM862X_SUCCESS, or another value when the source fails.
+     */
+    int (*read)(void *cookie, void *data, uint32_t bytes, uint32_t *read_bytes);
+    /* Releases the cookie, whatever the result: EM862X_SUCCESS or another value. */
+    int (*close)(void *cookie);
+} rm_file_ops;
+
+/*
+ * Opens the regular file at `path`; nothing else is a file here, neither a folder nor a pipe nor a
+ * device. `mode` is 0, for reading. Null on failure; the caller closes every other result.
+ */
+rm_file *RMOpenFile(const rm_non_ascii *path, int mode);
+
+/*
+ * Makes a file of a cookie, which it takes over, and a copy of `ops`. `mode` is 0, for reading.
+ * Null on failure, a missing argument included: then the cookie stays the caller's.
+ */
+rm_file *RMOpenFileCookie(void *cookie, int mode, const rm_file_ops *ops);
+
+/*
+ * Reads the next `bytes` bytes to `data`. EM862X_SUCCESS when all of them came, or when the file
+ * ended after at least one did; *read_bytes tells how many. EM862X_FAILURE at the end of the file
+ * and when the source fails; *read_bytes then counts the bytes that came before the failure.
+ * A request for 0 bytes succeeds without touching the file.
+ */
+int RMReadFile(rm_file *file, void *data, uint32_t bytes, uint32_t *read_bytes);
+
+/*
+ * Closes the file, its cookie included. EM862X_SUCCESS, or EM862X_FAILURE when closing it failed or
+ * `file` is null. It is gone in any case.
+ */
+int RMCloseFile(rm_file *file);
+
+/*
+ * Starts to fetch the `http://` address `url` and waits for the answer to begin; `flags` is 0.
+ * Redirections are followed to other `http://` addresses. Null when the address is not well formed,
+ * the server cannot be reached or refuses, or a limit is passed. Every other result is a cookie for
+ * httpFileOps; whoever does not make a file of it closes it with fetchClose.
+ */
+void *fetchOpen(const char *url, int flags);
+
+/* Ends a fetch, complete or not; null is ignored. */
+void fetchClose(void *cookie);
+
+/*
+ * Reads and closes what fetchOpen gave. Bytes are handed out while they arrive; the read fails
+ * where the transfer breaks off, also when fewer bytes came than the server had promised.
+ */
+extern const rm_file_ops httpFileOps;
+
+struct jpeg_decompress_struct;
+
+/*
+ * Makes `file` the source of a libjpeg decompressor, which must have been created; its memory comes
+ * from the decompressor's pool. The file stays the caller's and must stay open while the
+ * decompressor reads. No first byte is libjpeg's error JERR_INPUT_EMPTY; data that ends early is
+ * its warning JWRN_JPEG_EOF and reads as an end marker.
+ */
+void jpeg_stdio_src_rm_file(struct jpeg_decompress_struct *cinfo, rm_file *file);
 
 #ifdef __cplusplus
 }

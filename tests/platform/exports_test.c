@@ -29,6 +29,20 @@ static void check_nulls(void) {
     check(RMTTCloseFont(NULL, NULL) == EM862X_FAILURE, "RMTTCloseFont");
 }
 
+static void check_files(void) {
+    uint32_t count = 1;
+    check(RMOpenFile(NULL, 0) == NULL, "RMOpenFile");
+    check(RMOpenFileCookie(NULL, 0, &httpFileOps) == NULL, "RMOpenFileCookie");
+    check(RMReadFile(NULL, NULL, 1, &count) == EM862X_FAILURE && count == 0, "RMReadFile");
+    check(RMReadFile(NULL, NULL, 0, NULL) == EM862X_FAILURE, "RMReadFile without a count");
+    check(RMCloseFile(NULL) == EM862X_FAILURE, "RMCloseFile");
+    check(fetchOpen(NULL, 0) == NULL, "fetchOpen");
+    fetchClose(NULL);
+    check(httpFileOps.read(NULL, NULL, 0, NULL) == EM862X_FAILURE, "reading no fetch");
+    check(httpFileOps.close(NULL) == EM862X_FAILURE, "closing no fetch");
+    jpeg_stdio_src_rm_file(NULL, NULL);
+}
+
 static void check_glyph(void) {
     FSS_set_scale(16 << 16, 0, 0, 16 << 16);
     fss_glyph *glyph = FSS_get_bitmap('A');
@@ -46,6 +60,7 @@ static void check_hidden(void) {
 
 int main(void) {
     check_nulls();
+    check_files();
     check_glyph();
     check_hidden();
     return 0;
