@@ -4,7 +4,7 @@
 
 #include "core/uxWidget.h"
 
-#include "ux.h"
+#include "graphics/surface.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -51,10 +51,16 @@ void fill_screen(const fb_var_screeninfo &info) {
     main_screen.color_mode = color_mode_of(info);
 }
 
+// display_size, without its limit of 32 bits.
+size_t screen_bytes() {
+    return static_cast<size_t>(element_count(main_screen)) *
+           static_cast<size_t>(main_screen.bytes_per_pixel);
+}
+
 // The screen's memory begins inside the first page when the device's does: one page more is mapped.
 void map_device(const fb_fix_screeninfo &info) {
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    s_device.bytes = page + display_size;
+    s_device.bytes = page + screen_bytes();
     void *base = mmap(nullptr, s_device.bytes, PROT_READ | PROT_WRITE, MAP_SHARED, fb_handle, 0);
     if (base == MAP_FAILED) {
         fputs("error mapping fb", stdout);
@@ -105,7 +111,7 @@ void open_screen() {
     if (!main_screen.buf)
         fputs("Can not allocate main_screen.fb\n", stderr);
     else
-        memset(main_screen.buf, 0, display_size);
+        memset(main_screen.buf, 0, screen_bytes());
 }
 
 bool is_mapped(const uint8_t *memory) {

@@ -95,10 +95,12 @@ void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *p
     obj->unset_select = prototype.unset_select;
 }
 
+ux_page *page_at(int index) {
+    return index >= 0 && index < UX_MAX_PAGES ? main_screen.pages[index] : nullptr;
+}
+
 ux_page *page_of(const ux_obj *obj) {
-    if (obj->page_id < 0 || obj->page_id >= UX_MAX_PAGES)
-        return nullptr;
-    return main_screen.pages[obj->page_id];
+    return page_at(obj->page_id);
 }
 
 void take_focus(ux_obj *obj) {

@@ -56,6 +56,9 @@ inline bool on_current_page(const ux_obj *obj) {
     return obj->page_id == main_screen.current_page;
 }
 
+// The page of that index, or null when there is none.
+ux_page *page_at(int index);
+
 // The page that owns `obj`, or null when its page_id names none.
 ux_page *page_of(const ux_obj *obj);
 

@@ -51,9 +51,7 @@ bool holds(const ux_obj *obj, int x, int y) {
 } // namespace ux
 
 ux_page *ux_current_page() noexcept {
-    if (main_screen.current_page < 0 || main_screen.current_page >= UX_MAX_PAGES)
-        return nullptr;
-    return main_screen.pages[main_screen.current_page];
+    return ux::page_at(main_screen.current_page);
 }
 
 int ux_screen_show_all() noexcept {
@@ -71,10 +69,10 @@ int ux_screen_repaint() noexcept {
 
 int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) noexcept {
     ux_page *left = ux_current_page();
-    if (left && left->on_leave)
+    ux_page *entered = ux::page_at(index);
+    if (entered && left && left->on_leave)
         left->on_leave(left, a, b, c);
     main_screen.current_page = index;
-    ux_page *entered = ux_current_page();
     if (entered && entered->on_enter)
         entered->on_enter(entered);
     return ux_screen_repaint();
