@@ -25,6 +25,7 @@ set(UX_SOURCES
     graphics/rotate.cpp
     graphics/uxDraw.cpp
     graphics/uxImage.cpp
+    graphics/yuv.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp
