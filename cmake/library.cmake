@@ -23,6 +23,7 @@ set(UX_SOURCES
     font/uxFontDrawing.cpp
     graphics/blend.cpp
     graphics/rotate.cpp
+    graphics/scale.cpp
     graphics/uxDraw.cpp
     graphics/uxImage.cpp
     graphics/yuv.cpp

@@ -584,6 +584,20 @@ UX_API void yuv422_rgb565(const uint8_t *src, uint16_t *dst, int width, int heig
 UX_API void yuv422_rgb888(const uint8_t *src, uint8_t *dst, int width, int height, int src_pitch,
                           int dst_pitch) UX_NOEXCEPT;
 
+/* Resamples a row of `src_width` 32-bit pixels to `dst_width` ones, nearest neighbour: output pixel
+ * k is source pixel k * src_width / dst_width, rounded down. A width below 1 does nothing. */
+UX_API void ux_scale_line(const uint32_t *src, uint32_t *dst, int src_width,
+                          int dst_width) UX_NOEXCEPT;
+
+/* Resamples an RGB565 image; sizes in pixels, pitches in bytes as above. Output row k is source row
+ * k * src_height / dst_height, rounded down. Across, pixels move in pairs: output pair k is source
+ * pair k * (src_width / 2) / (dst_width / 2), so an odd last source column is never used. An odd
+ * last output column is written only in rows that repeat the source row of the row above: they are
+ * copied from that row, all `dst_width` pixels. Nothing is done when a height is below 1 or a width
+ * below 2. */
+UX_API void ux_scale_image(const uint16_t *src, int src_width, int src_height, int src_pitch,
+                           uint16_t *dst, int dst_width, int dst_height, int dst_pitch) UX_NOEXCEPT;
+
 /* ============================================================================================== */
 /* Pixel blocks                                                                                   */
 /* ============================================================================================== */
