@@ -41,6 +41,8 @@ void register_box();
 void register_line();
 void register_blit();
 void register_blend();
+void register_convert();
+void register_scale();
 void register_text();
 void register_page();
 

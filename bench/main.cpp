@@ -25,6 +25,8 @@ int main(int argc, char **argv) {
     register_line();
     register_blit();
     register_blend();
+    register_convert();
+    register_scale();
     register_text();
     register_page();
     ratio_report report;

@@ -23,8 +23,10 @@ set(UX_SOURCES
     font/uxFontDrawing.cpp
     graphics/blend.cpp
     graphics/rotate.cpp
+    graphics/scale.cpp
     graphics/uxDraw.cpp
     graphics/uxImage.cpp
+    graphics/yuv.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp

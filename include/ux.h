@@ -542,6 +542,63 @@ UX_API int uxDrawBox(int x0, int y0, int x1, int y1, uint32_t color) UX_NOEXCEPT
 UX_API int uxDrawRect(int x0, int y0, int x1, int y1, uint32_t color) UX_NOEXCEPT;
 
 /* ============================================================================================== */
+/* Pixel formats and conversion                                                                   */
+/* ============================================================================================== */
+
+/* Conversions between memories of the caller's; the screen is not touched and nothing is allocated.
+ * Layouts of pixels:
+ *   ARGB8888   a word: alpha 31-24, red 23-16, green 15-8, blue 7-0; bytes B, G, R, A
+ *   RGB565     a half-word: red 15-11, green 10-5, blue 4-0
+ *   RGB888     bytes R, G, B
+ *   YUV 4:4:4  bytes Y, U, V
+ *   UYVY       bytes U, Y0, V, Y1 for two pixels, which share U and V (YUV 4:2:2)
+ * YUV is video range: Y 16 is black, Y 235 white; U and V of 128 are colourless. With c = Y - 16,
+ * d = U - 128, e = V - 128 and base = 298 * c + 128
+ *   red   = (base + 409 * e) >> 8
+ *   green = (base - 100 * d - 208 * e) >> 8
+ *   blue  = (base + 516 * d) >> 8
+ * each clamped to 0..255. Pointers must not be null. Rows may start at any byte. Where source and
+ * destination overlap, pixels are read and written in order, from the top left. */
+
+/* Converts one pixel, y, u and v 0..255, into RGB565: the low bits of the colours are cut. `unused`
+ * changes nothing. Returns the pixel. */
+UX_API uint16_t yuv444_rgb565(uint8_t y, uint8_t u, uint8_t v, uint8_t unused) UX_NOEXCEPT;
+
+/* Converts one pixel, y, u and v 0..255, into `*r`, `*g` and `*b`, one byte each. */
+UX_API void yuv444_rgb888(uint8_t y, uint8_t u, uint8_t v, uint8_t *r, uint8_t *g,
+                          uint8_t *b) UX_NOEXCEPT;
+
+/* Spreads one row of UYVY to YUV 4:4:4. Only whole pairs are converted: of an odd `width`, in
+ * pixels, the last one is left out, and a width below 2 writes nothing. `src` has 2 bytes per
+ * pixel, `dst` takes 3. */
+UX_API void yuv422_yuv444(const uint8_t *src, uint8_t *dst, int width) UX_NOEXCEPT;
+
+/* Converts a rectangle of width x height pixels of UYVY into RGB565. The pitches are the bytes from
+ * one row's start to the next one's, and may be negative. An odd width converts one pixel more, the
+ * other one of the last pair: every row of `src` must hold, and of `dst` have room for, an even
+ * number of pixels. A width or height below 1 does nothing. `unused` changes nothing. */
+UX_API void yuv422_rgb565(const uint8_t *src, uint16_t *dst, int width, int height, int src_pitch,
+                          int dst_pitch, uint8_t unused) UX_NOEXCEPT;
+
+/* The same into RGB888. */
+UX_API void yuv422_rgb888(const uint8_t *src, uint8_t *dst, int width, int height, int src_pitch,
+                          int dst_pitch) UX_NOEXCEPT;
+
+/* Resamples a row of `src_width` 32-bit pixels to `dst_width` ones, nearest neighbour: output pixel
+ * k is source pixel k * src_width / dst_width, rounded down. A width below 1 does nothing. */
+UX_API void ux_scale_line(const uint32_t *src, uint32_t *dst, int src_width,
+                          int dst_width) UX_NOEXCEPT;
+
+/* Resamples an RGB565 image; sizes in pixels, pitches in bytes as above. Output row k is source row
+ * k * src_height / dst_height, rounded down. Across, pixels move in pairs: output pair k is source
+ * pair k * (src_width / 2) / (dst_width / 2), so an odd last source column is never used. An odd
+ * last output column is written only in rows that repeat the source row of the row above: they are
+ * copied from that row, all `dst_width` pixels. Nothing is done when a height is below 1 or a width
+ * below 2. */
+UX_API void ux_scale_image(const uint16_t *src, int src_width, int src_height, int src_pitch,
+                           uint16_t *dst, int dst_width, int dst_height, int dst_pitch) UX_NOEXCEPT;
+
+/* ============================================================================================== */
 /* Pixel blocks                                                                                   */
 /* ============================================================================================== */
 
