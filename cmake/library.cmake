@@ -19,29 +19,40 @@ set(UX_SOURCES
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp
-    font/uxFont_em862x.cpp
     font/uxFontDrawing.cpp
+    font/uxFont_em862x.cpp
     graphics/blend.cpp
+    graphics/effect.cpp
+    graphics/jpeg_reader.cpp
+    graphics/page_background.cpp
+    graphics/placed_block.cpp
+    graphics/png_reader.cpp
     graphics/rotate.cpp
     graphics/scale.cpp
     graphics/uxDraw.cpp
     graphics/uxImage.cpp
+    graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
+    widgets/uxImageButton.cpp
+    widgets/uxImageLabel.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp
 )
 
-# Needs the C library only: no exceptions, no RTTI, no guarded statics, no C++ run-time library.
+# Needs the C library, libpng and libjpeg: no exceptions, no RTTI, no guarded statics, no C++ run-time library.
 add_library(ux-objects OBJECT ${UX_SOURCES})
 target_include_directories(ux-objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+find_package(PNG REQUIRED)
+find_package(JPEG REQUIRED)
+target_link_libraries(ux-objects PUBLIC PNG::PNG JPEG::JPEG)
 target_compile_options(ux-objects PRIVATE -fno-exceptions -fno-rtti -fno-threadsafe-statics)
 
 # For unit tests: everything visible, the chip's functions chosen by the test.
 add_library(ux-static STATIC $<TARGET_OBJECTS:ux-objects>)
 target_include_directories(ux-static PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 find_package(Threads REQUIRED)
-target_link_libraries(ux-static PUBLIC Threads::Threads)
+target_link_libraries(ux-static PUBLIC Threads::Threads PNG::PNG JPEG::JPEG)
 
 # For hosts. The chip's functions stay undefined: the program brings the library that has them.
 add_library(ux SHARED $<TARGET_OBJECTS:ux-objects>)
@@ -52,6 +63,6 @@ set_target_properties(ux PROPERTIES
     LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/ux.map)
 target_include_directories(ux INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                                         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(ux PRIVATE Threads::Threads)
+target_link_libraries(ux PRIVATE Threads::Threads PNG::PNG JPEG::JPEG)
 target_link_options(ux PRIVATE
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/ux.map -Wl,-z,relro,-z,now)

@@ -4,6 +4,8 @@
 #include "core/child_walk.h"
 #include "core/object_kit.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstring>
 
 namespace ux {
@@ -25,11 +27,26 @@ ux_container *as_container(ux_obj *obj) {
     return as<ux_container>(obj);
 }
 
-void paint_background(ux_container *container) {
+int cut(int64_t size) {
+    return static_cast<int>(std::clamp<int64_t>(size, INT_MIN, INT_MAX));
+}
+
+// A picture fills the inside of the border.
+void paint_picture(const ux_container *container) {
+    const ux_obj &obj = container->obj;
+    const int64_t border = obj.border;
+    ux_draw_image(container->bg_image, cut(obj.x + border), cut(obj.y + border),
+                  cut(obj.width - 2 * border), cut(obj.height - 2 * border), 0);
+}
+
+void paint_background(const ux_container *container) {
+    const ux_obj *obj = &container->obj;
     if (container->bg_color != UX_COLOR_NONE)
-        paint_fill(&container->obj, container->bg_color);
-    else
-        paint_saved_background(&container->obj);
+        paint_fill(obj, container->bg_color);
+    else if (obj->bg_backup && (obj->status & UX_ST_BG_SAVED))
+        paint_saved_background(obj);
+    else if (container->bg_image[0] != '\0')
+        paint_picture(container);
 }
 
 int visit(ux_obj *obj, ux_handler callback, void *arg) {

@@ -19,11 +19,9 @@ using bytes [[gnu::vector_size(32)]] = uint8_t;
 // With 16-bit lanes, (screen * 256 + (source - screen) * a) mod 2^16 is screen * (256 - a) + source
 // * a, which is at most 255 * 256: one multiplication a channel. Blue and red stand in the low
 // bytes of the lanes, green and alpha in the high ones.
-inline __attribute__((always_inline)) void blend_lanes(word32 *screen, const word32 *source) {
+inline __attribute__((always_inline)) void blend_lanes(word32 *screen, const pixels &over) {
     pixels under;
-    pixels over;
     memcpy(&under, screen, sizeof under);
-    memcpy(&over, source, sizeof over);
     const channels under_lanes = reinterpret_cast<channels>(under);
     const channels over_high = reinterpret_cast<channels>(over) >> 8;
     const channels under_high = under_lanes >> 8;
@@ -46,10 +44,22 @@ inline __attribute__((always_inline)) void blend_lanes(word32 *screen, const wor
 
 UX_MULTIVERSION void blend_row(word32 *screen, const word32 *source, int64_t count) {
     int64_t i = 0;
-    for (; i + k_lanes <= count; i += k_lanes)
-        blend_lanes(screen + i, source + i);
+    for (; i + k_lanes <= count; i += k_lanes) {
+        pixels over;
+        memcpy(&over, source + i, sizeof over);
+        blend_lanes(screen + i, over);
+    }
     for (; i < count; i++)
         screen[i] = blend_pixel(screen[i], source[i]);
+}
+
+UX_MULTIVERSION void blend_color(word32 *screen, uint32_t color, int64_t count) {
+    const pixels over = {color, color, color, color, color, color, color, color};
+    int64_t i = 0;
+    for (; i + k_lanes <= count; i += k_lanes)
+        blend_lanes(screen + i, over);
+    for (; i < count; i++)
+        screen[i] = blend_pixel(screen[i], color);
 }
 
 } // namespace ux

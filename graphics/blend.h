@@ -24,6 +24,9 @@ inline uint32_t blend_pixel(uint32_t screen, uint32_t source) {
 // Blends `count` pixels of `source` over `screen`.
 void blend_row(word32 *screen, const word32 *source, int64_t count);
 
+// Blends one colour, by its alpha, over `count` pixels of `screen`.
+void blend_color(word32 *screen, uint32_t color, int64_t count);
+
 } // namespace ux
 
 #endif

@@ -1,81 +1,162 @@
 // SPDX-License-Identifier: MIT
-// Drawing of pixel blocks into the drawing buffer: cut at the right and bottom edge, blended on a
-// 32-bit screen, copied on a 16-bit one.
+// Pixel blocks: loading them from picture files, and drawing them into the drawing buffer: cut at
+// the right and bottom edge, blended on a 32-bit screen, copied on a 16-bit one.
 
 #include "graphics/blend.h"
-#include "graphics/surface.h"
+#include "graphics/effect.h"
+#include "graphics/placed_block.h"
+#include "ux_bitmap.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace ux {
 namespace {
 
-constexpr int k_first_unknown_effect = 9;
-
-// A block and the part of it that is drawn.
-struct placed_block {
-    int x;
-    int y;
-    int64_t pitch;  // pixels per row of the block
-    int64_t width;  // columns drawn
-    int64_t height; // rows drawn
-};
-
-// Calls draw(first element on the screen, first element of the block, elements) for each row, as
-// far as the `count` elements of the screen reach.
-template <class Draw>
-void for_each_row(int64_t count, const placed_block &block, Draw draw) {
-    const int64_t first_row = std::max<int64_t>(0, -int64_t{block.y} - 1);
-    for (int64_t row = first_row; row < block.height; row++) {
-        const int64_t start = (block.y + row) * main_screen.width + block.x;
-        const int64_t skipped = std::max<int64_t>(0, -start);
-        const int64_t end = std::min(block.width, count - start);
-        if (skipped < end)
-            draw(start + skipped, row * block.pitch + skipped, end - skipped);
-    }
-}
-
-void blend_block(const word32 *pixels, const placed_block &block) {
-    const surface<argb8888> target = drawing_surface<argb8888>(main_screen);
-    for_each_row(target.count, block, [&](int64_t to, int64_t from, int64_t count) {
-        blend_row(target.pixels + to, pixels + from, count);
-    });
-}
-
-// Whole pixels, of however many bytes the device has them.
-void copy_block(const uint8_t *pixels, const placed_block &block) {
-    const int64_t bpp = main_screen.bytes_per_pixel;
-    const int64_t elements = main_screen.buf && bpp > 0 ? element_count(main_screen) : 0;
-    for_each_row(elements, block, [&](int64_t to, int64_t from, int64_t count) {
-        memmove(main_screen.buf + to * bpp, pixels + from * bpp, static_cast<size_t>(count * bpp));
-    });
-}
+constexpr uint8_t k_opaque = 255;
+constexpr uint8_t k_half_transparent = 128;
+constexpr int k_mode_transparent = 255;
+constexpr int64_t k_decoded_pixel_bytes = 4;
 
 // The size drawn along one axis: cut where the block reaches the screen's far edge.
 int64_t drawn_size(int64_t position, int64_t size, int64_t screen_size) {
     return position + size >= screen_size ? screen_size - position : size;
 }
 
+void blend_block(const placed_block &block) {
+    for (int64_t row = 0; row < block.drawn_height; row++)
+        blend_run(block, row, 0, block.drawn_width);
+}
+
+// Rows as they lie. Pixels have the device's size: the format's name does not tell it.
+void copy_block(const void *pixels, const placed_block &block) {
+    const int64_t bpp = main_screen.bytes_per_pixel;
+    const int64_t count = main_screen.buf && bpp > 0 ? element_count(main_screen) : 0;
+    const auto *from = static_cast<const uint8_t *>(pixels);
+    for (int64_t row = 0; row < block.drawn_height; row++) {
+        const int64_t to = (block.y + row) * main_screen.width + block.x;
+        const int64_t skipped = std::max<int64_t>(0, -to);
+        const int64_t end = std::min(block.drawn_width, count - to);
+        if (skipped < end)
+            memmove(main_screen.buf + (to + skipped) * bpp,
+                    from + (row * block.width + skipped) * bpp,
+                    static_cast<size_t>((end - skipped) * bpp));
+    }
+}
+
+// Memory for a block, zeroed: what the decoder does not reach draws nothing. The decoder writes 4
+// bytes a pixel whatever the screen has. Null when out of memory or beyond it.
+void *allocate_block(int width, int height) {
+    if (width <= 0 || height <= 0)
+        return calloc(1, k_decoded_pixel_bytes);
+    const int64_t bpp = std::max<int64_t>(k_decoded_pixel_bytes, main_screen.bytes_per_pixel);
+    return calloc(static_cast<size_t>(width) * static_cast<size_t>(height),
+                  static_cast<size_t>(bpp));
+}
+
+void *load(const char *path, int width, int height, uint8_t alpha) {
+    const bool empty = width <= 0 || height <= 0;
+    const RMBitmapOptions options = {alpha, empty ? 0 : static_cast<uint32_t>(width),
+                                     empty ? 0 : static_cast<uint32_t>(height)};
+    RMBitmapFile file;
+    if (RMOpenBitmapFile(path, &file, &options) != UX_BITMAP_SUCCESS) {
+        printf("RMOpenBitmapFile %s FAIL on ux_load_image\n", path);
+        return nullptr;
+    }
+    void *block = allocate_block(width, height);
+    if (!block)
+        printf("RMOpenBitmapFile %s BUF NULL on ux_load_image\n", path);
+    else if (!empty)
+        RMBitmapToRaw(static_cast<uint8_t *>(block), &file);
+    RMCloseBitmapFile(&file);
+    return block;
+}
+
+bool is_on_screen(int x, int y) {
+    return x >= 0 && x < main_screen.width && y >= 0 && y < main_screen.height;
+}
+
+// Draws a loaded block, which may be null, and releases it.
+void draw_and_free(void *block, int x, int y, int width, int height, int effect) {
+    if (!block)
+        return;
+    ux_draw_image_buff(block, x, y, width, height, effect);
+    free(block);
+}
+
 } // namespace
 } // namespace ux
 
+void *ux_load_image(const char *path, int width, int height) noexcept {
+    return ux::load(path, width, height, ux::k_opaque);
+}
+
+void *ux_load_image_transparent(const char *path, int width, int height, uint8_t alpha) noexcept {
+    return ux::load(path, width, height, alpha);
+}
+
 int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                        int effect) noexcept {
-    const ux::placed_block placed = {x, y, width, ux::drawn_size(x, width, main_screen.width),
+    const ux::placed_block placed = {static_cast<const ux::word32 *>(block),
+                                     x,
+                                     y,
+                                     width,
+                                     height,
+                                     ux::drawn_size(x, width, main_screen.width),
                                      ux::drawn_size(y, height, main_screen.height)};
-    if (!block || placed.width <= 0 || placed.height <= 0)
+    if (!block || placed.drawn_width <= 0 || placed.drawn_height <= 0)
         return -1;
     if (main_screen.color_mode == UX_COLOR_MODE_RGB565) {
-        ux::copy_block(static_cast<const uint8_t *>(block), placed);
+        ux::copy_block(block, placed);
         return 0;
     }
     if (main_screen.color_mode != UX_COLOR_MODE_ARGB8888)
         return -1;
-    if (effect < 0 || effect >= ux::k_first_unknown_effect)
-        return 0;
-    if (effect != 0)
-        return -1;
-    ux::blend_block(static_cast<const ux::word32 *>(block), placed);
+    if (effect == 0)
+        ux::blend_block(placed);
+    else if (effect >= ux::k_first_effect && effect <= ux::k_last_effect)
+        ux::draw_effect(placed, effect);
     return 0;
+}
+
+int ux_draw_image(const char *path, int x, int y, int width, int height, int mode) noexcept {
+    if (!ux::is_on_screen(x, y))
+        return 0;
+    printf("ADV Play PHOTO %s\n", path);
+    if (mode == ux::k_mode_transparent) {
+        ux::draw_and_free(ux::load(path, width, height, ux::k_half_transparent), x, y, width,
+                          height, 0);
+        return 0;
+    }
+    const int effect = mode > ux::k_mode_transparent ? mode - ux::k_mode_transparent : mode;
+    ux::draw_and_free(ux_load_image(path, width, height), x, y, width, height, effect);
+    return 0;
+}
+
+int ux_draw_image_transparent(const char *path, int x, int y, int width, int height, int effect,
+                              uint8_t alpha) noexcept {
+    if (!ux::is_on_screen(x, y))
+        return 0;
+    const uint8_t wanted = alpha == 0 ? ux::k_half_transparent : alpha;
+    ux::draw_and_free(ux_load_image_transparent(path, width, height, wanted), x, y, width, height,
+                      effect);
+    return 0;
+}
+
+// One byte stands for two pixels: positions are halved by shifts, and a run that is too wide goes
+// on in the next row. What lies before the plane is left out.
+void ux_set_alpha(int x, int y, int width, int height, uint8_t value) noexcept {
+    if (!main_screen.alpha_plane)
+        return;
+    const int64_t pitch = main_screen.width >> 1;
+    const int64_t plane = std::max<int64_t>(pitch * main_screen.height, 0);
+    for (int64_t row = 0; row < height; row++) {
+        const int64_t start = (int64_t{y} + row) * pitch + (x >> 1);
+        const int64_t first = std::clamp<int64_t>(start, 0, plane);
+        const int64_t end = std::clamp<int64_t>(start + (width >> 1), first, plane);
+        if (start >= plane)
+            return;
+        memset(main_screen.alpha_plane + first, value, static_cast<size_t>(end - first));
+    }
 }

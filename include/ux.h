@@ -65,11 +65,13 @@ extern "C" {
 #define UX_COLOR_TEXT_SELECT 0xFFFF0000u  /* default text of a selected button: red */
 
 /* Kinds of objects (ux_obj.type). Bit 31 marks the kinds that hold children. */
-#define UX_TYPE_CONTAINER 0x80000000u   /* the bit */
-#define UX_TYPE_PAGE 0x80000001u        /* ux_page */
-#define UX_TYPE_BOX 0x80000002u         /* ux_container */
-#define UX_TYPE_TEXT_LABEL 0x00000003u  /* ux_text_label */
-#define UX_TYPE_TEXT_BUTTON 0x00000005u /* ux_text_button */
+#define UX_TYPE_CONTAINER 0x80000000u    /* the bit */
+#define UX_TYPE_PAGE 0x80000001u         /* ux_page */
+#define UX_TYPE_BOX 0x80000002u          /* ux_container */
+#define UX_TYPE_TEXT_LABEL 0x00000003u   /* ux_text_label */
+#define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
+#define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
+#define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
 
 /* Behaviour bits (ux_obj.flags), chosen by the widget or the host. */
 enum {
@@ -402,8 +404,7 @@ UX_API int ux_container_scan(ux_container *container, ux_handler callback, void 
  * are not released. Returns 0. */
 UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
 
-/* Paints background and border only. A background picture is not painted by this version. Returns
- * 0. */
+/* Paints background (colour, saved copy or picture file) and border only. Returns 0. */
 UX_API int ux_container_show_self(ux_container *container) UX_NOEXCEPT;
 
 /* Paints the container, then calls every child's `show` slot, newest first. Returns 0. */
@@ -602,15 +603,61 @@ UX_API void ux_scale_image(const uint16_t *src, int src_width, int src_height, i
 /* Pixel blocks                                                                                   */
 /* ============================================================================================== */
 
+/* Decodes the PNG or JPEG picture `path`, a file or an http:// address, into a new block of width x
+ * height 32-bit pixels, scaled to that size; pixels without alpha of their own get 255. The caller
+ * releases it with free(). Null when it can not be read or there is no memory, with a message on
+ * standard output. A width or height of 0 or less gives a block without pixels. */
+UX_API void *ux_load_image(const char *path, int width, int height) UX_NOEXCEPT;
+
+/* The same with `alpha` for pixels without alpha of their own. */
+UX_API void *ux_load_image_transparent(const char *path, int width, int height,
+                                       uint8_t alpha) UX_NOEXCEPT;
+
 /* Draws a block of width x height pixels in the screen's format, rows packed, into `buf` at (x, y),
  * cut at the right and bottom edge; it stays the caller's. On a 32-bit screen each pixel is blended
  * by its alpha a: screen = (screen * (256 - a) + source * a) >> 8 for blue, green and red, the
  * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
- * draws at once; 9 and above draw nothing and give 0; 1 to 8, the reveal effects, are refused by
- * this version. Returns 0, or -1 for a null block, a block outside the screen, an unknown pixel
- * format or a refused effect. */
+ * draws at once; 1 to 8 reveal the block step by step with pauses of 3 ms, until it is whole or the
+ * host sets the environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which
+ * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. A block that does not fit on the screen
+ * must not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the
+ * screen or an unknown pixel format. */
 UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                               int effect) UX_NOEXCEPT;
+
+/* Loads a picture, draws it at (x, y) and releases it. `mode` 0 to 8 is the effect; 255 draws it
+ * half transparent at once; 256 and above is the effect mode - 255; any other draws nothing.
+ * Nothing happens when (x, y) is outside the screen. Returns 0. */
+UX_API int ux_draw_image(const char *path, int x, int y, int width, int height,
+                         int mode) UX_NOEXCEPT;
+
+/* The same with `alpha` for pixels without alpha of their own, 0 meaning 128. Returns 0. */
+UX_API int ux_draw_image_transparent(const char *path, int x, int y, int width, int height,
+                                     int effect, uint8_t alpha) UX_NOEXCEPT;
+
+/* Fills a rectangle of the host's alpha plane, which has one byte for two pixels of a row; x and
+ * width are taken as even. Nothing happens without a plane. */
+UX_API void ux_set_alpha(int x, int y, int width, int height, uint8_t value) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Page backgrounds                                                                               */
+/* ============================================================================================== */
+
+/* All three paint into `buf`, blending as ux_draw_image_buff() does, and update nothing. The
+ * picture is loaded anew at every call; it is addressed with the screen's row length, so
+ * image_width must be the screen's. (x, y) only has to lie on the screen. */
+
+/* Blends `color`, by its alpha, over a rectangle of a 32-bit screen. Returns 0, or -1 when the
+ * screen has no size. */
+UX_API int ux_update_BGcolor(int x, int y, int width, int height, uint32_t color) UX_NOEXCEPT;
+
+/* Paints the part of the picture that lies inside the rectangle, on a 32-bit screen. Returns 0. */
+UX_API int ux_update_BGimage(const char *path, int x, int y, int image_width, int image_height,
+                             int rect_x, int rect_y, int rect_width, int rect_height) UX_NOEXCEPT;
+
+/* Paints the whole picture but for the rectangle; an RGB565 screen gets all of it. Returns 0. */
+UX_API int ux_draw_BGimage(const char *path, int x, int y, int image_width, int image_height,
+                           int rect_x, int rect_y, int rect_width, int rect_height) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Fonts and text                                                                                 */
@@ -805,6 +852,84 @@ UX_API int ux_text_button_set_select(ux_obj *button) UX_NOEXCEPT;
 
 /* Takes the selected mark away and shows it. Returns 0. */
 UX_API int ux_text_button_unset_select(ux_obj *button) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Image label                                                                                    */
+/* ============================================================================================== */
+
+/* One picture, without background and border. With UX_FLAG_SAVE_FG the painted face is kept, and
+ * the file read only once. */
+typedef struct ux_image_label {
+    ux_obj obj;                /* the header */
+    char image[UX_PATH_BYTES]; /* picture path; empty = nothing to draw */
+} ux_image_label;
+
+/* Makes a label with a copy of `path` (null = empty) and links it into `parent`, which may be null.
+ * Returns null when out of memory. */
+UX_API ux_image_label *ux_image_label_new(ux_container *parent, int x, int y, int w, int h,
+                                          const char *path) UX_NOEXCEPT;
+
+/* Copies `path`, at most 255 bytes; null empties it. Another path than before drops the kept face.
+ * Returns 0. */
+UX_API int ux_image_label_set_image(ux_image_label *label, const char *path) UX_NOEXCEPT;
+
+/* Marks the label visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_image_label_show(ux_obj *label) UX_NOEXCEPT;
+
+/* Marks the label hidden; its pixels stay. Returns 0. */
+UX_API int ux_image_label_hide(ux_obj *label) UX_NOEXCEPT;
+
+/* Shows a visible label, hides a hidden one. Returns 0. */
+UX_API int ux_image_label_repaint(ux_obj *label) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Image button                                                                                   */
+/* ============================================================================================== */
+
+/* Four pictures, one per state, over the screen saved before the first paint. Changes of focus and
+ * selection only change the state: the host shows or repaints. A host writes the two selected paths
+ * into the record; they start as copies of the others. */
+typedef struct ux_image_button {
+    ux_obj obj;                             /* the header */
+    char image[UX_PATH_BYTES];              /* picture, normal; empty = nothing to draw */
+    char focus_image[UX_PATH_BYTES];        /* picture, focused */
+    char select_image[UX_PATH_BYTES];       /* picture, selected */
+    char select_focus_image[UX_PATH_BYTES]; /* picture, selected and focused */
+} ux_image_button;
+
+/* Makes a button with copies of the paths (null = empty) and links it into `parent`, which may be
+ * null. Returns null when out of memory. */
+UX_API ux_image_button *ux_image_button_new(ux_container *parent, int x, int y, int w, int h,
+                                            const char *path, const char *focus_path) UX_NOEXCEPT;
+
+/* Copies the paths of the normal and the focused state; null empties one. Returns 0. */
+UX_API int ux_image_button_set_image(ux_image_button *button, const char *path,
+                                     const char *focus_path) UX_NOEXCEPT;
+
+/* Marks the button visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_image_button_show(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button hidden; its pixels stay. Returns 0. */
+UX_API int ux_image_button_hide(ux_obj *button) UX_NOEXCEPT;
+
+/* Shows a visible button, hides a hidden one. Returns 0. */
+UX_API int ux_image_button_repaint(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button focused and makes it the page's focus object; paints nothing. Returns 0. */
+UX_API int ux_image_button_set_focus(ux_obj *button) UX_NOEXCEPT;
+
+/* Takes the focused mark away; paints nothing. Returns 0. */
+UX_API int ux_image_button_unset_focus(ux_obj *button) UX_NOEXCEPT;
+
+/* Marks the button selected; paints nothing. Returns 0. */
+UX_API int ux_image_button_set_select(ux_obj *button) UX_NOEXCEPT;
+
+/* Takes the selected mark away; paints nothing. Returns 0. */
+UX_API int ux_image_button_unset_select(ux_obj *button) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the button. Returns 0. */
+UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w,
+                                    int h) UX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -3,9 +3,12 @@
 
 #include "widgets/widget_kit.h"
 
+#include "core/save_area.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 
 namespace ux {
 namespace {
@@ -49,6 +52,19 @@ void paint_background(const ux_obj *obj, uint32_t bg) {
 void save_background_once(ux_obj *obj) {
     if ((obj->flags & UX_FLAG_SAVE_BG) && !(obj->status & UX_ST_BG_SAVED))
         ux_obj_backup_bg(obj);
+}
+
+void copy_path(char (&field)[UX_PATH_BYTES], const char *path) {
+    const size_t length = path ? strnlen(path, UX_PATH_BYTES - 1) : 0;
+    if (length > 0)
+        memmove(field, path, length);
+    field[length] = '\0';
+}
+
+// A face saved before the widget grew covers fewer rows.
+void paint_saved_face(const ux_obj *obj) {
+    const int rows = save_area_rows(obj->fg_backup, obj->width, obj->height);
+    ux_draw_image_buff(obj->fg_backup, obj->x, obj->y, obj->width, rows, 0);
 }
 
 } // namespace ux

@@ -28,6 +28,12 @@ void paint_background(const ux_obj *obj, uint32_t bg);
 // Saves the screen under a widget that wants it saved and has not yet.
 void save_background_once(ux_obj *obj);
 
+// Copies a path of at most 255 bytes into a record's field; null empties it.
+void copy_path(char (&field)[UX_PATH_BYTES], const char *path);
+
+// Blends the saved face over the widget.
+void paint_saved_face(const ux_obj *obj);
+
 } // namespace ux
 
 #endif

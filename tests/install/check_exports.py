@@ -31,9 +31,10 @@ def code_of(header):
 
 
 def declared(header):
-    """The names behind UX_API, read from the header's text alone."""
+    """The names behind UX_API in the header and its neighbours, read from their text alone."""
     names = set()
-    for declaration in re.findall(r"\bUX_API\b([^;]*);", code_of(header)):
+    text = "".join(code_of(path) for path in sorted(header.parent.glob("ux*.h")))
+    for declaration in re.findall(r"\bUX_API\b([^;]*);", text):
         function = re.search(r"(\w+)\s*\(", declaration)
         data = re.search(r"(\w+)\s*$", declaration)
         names.add((function or data).group(1))

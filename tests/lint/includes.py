@@ -14,7 +14,7 @@ OBJECT_KIT_RANK = 3
 OBJECT_KIT = re.compile(r"core/(object_kit|save_area|child_walk)\.(h|cpp)")
 
 # Any unit of the library may include these two.
-OPEN_HEADERS = {"include/ux.h", "platform/em862x.h"}
+OPEN_HEADERS = {"include/ux.h", "include/ux_bitmap.h", "platform/em862x.h"}
 
 # Folders outside the library, and what they may include beside their own files and the standard's.
 OUTSIDE = {

@@ -127,13 +127,15 @@ void RUAFree(rua_instance *, uint32_t address) {
     record("RUAFree", address);
 }
 
+// Paths are kept as they are.
 rm_non_ascii *RMnonAsciiFromAscii(const char *text) {
     get().calls.push_back(std::string("RMnonAsciiFromAscii ") + text);
-    return reinterpret_cast<rm_non_ascii *>(&s_state);
+    return reinterpret_cast<rm_non_ascii *>(new std::string(text));
 }
 
-void RMFreeNonAscii(rm_non_ascii *) {
+void RMFreeNonAscii(rm_non_ascii *text) {
     record("RMFreeNonAscii");
+    delete reinterpret_cast<std::string *>(text);
 }
 
 int RMTTOpenFont(rua_instance *, rmtt_font **font, const rm_non_ascii *,

@@ -34,12 +34,17 @@ struct state {
     uint32_t engines = 1;                 // its answer
     std::vector<int> open_results;        // property 4293, engine by engine; missing = success
     int accepted_attempt = -1; // instead: the attempt, from 0, that succeeds; earlier ones fail
-    int close_result = EM862X_SUCCESS;     // property 4294
-    int font_result = EM862X_SUCCESS;      // RMTTOpenFont
-    uint32_t next_address = 0x10000;       // of RUAMalloc; 0 = allocation fails
-    std::vector<uint8_t> last_profile;     // bytes of the last property 4293
-    std::vector<uint8_t> last_close_input; // bytes of the last property 4294
-    rmtt_mapping last_mapping = {};        // of the last RMTTOpenFont
+    int close_result = EM862X_SUCCESS;            // property 4294
+    int font_result = EM862X_SUCCESS;             // RMTTOpenFont
+    uint32_t next_address = 0x10000;              // of RUAMalloc; 0 = allocation fails
+    std::vector<uint8_t> last_profile;            // bytes of the last property 4293
+    std::vector<uint8_t> last_close_input;        // bytes of the last property 4294
+    std::map<std::string, std::string> addresses; // files that stand for http:// addresses
+    int open_files = 0;                           // files and addresses not closed yet
+    bool wrap_fails = false;                      // RMOpenFileCookie refuses
+    int close_file_result = EM862X_SUCCESS;       // RMCloseFile
+    long fail_read_after = -1;      // RMReadFile calls that still work; -1 = all of them
+    rmtt_mapping last_mapping = {}; // of the last RMTTOpenFont
 };
 
 state &get();

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// PNG pictures by libpng, over the platform's files. libpng reports errors by a jump: every
+// function here that can meet one sets its own place to land, and holds what it must release in
+// variables that are not changed after that.
+
+#include "graphics/bitmap_reader.h"
+#include "graphics/scale.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace ux {
+namespace {
+
+constexpr int k_byte_bits = 8;
+
+// The order counts: expansions first, so that what follows sees 8-bit grey or RGB.
+void normalise(RMPngFile *png) {
+    png_structp reader = png->png_ptr;
+    png_infop info = png->info_ptr;
+    const int depth = png_get_bit_depth(reader, info);
+    const int color = png_get_color_type(reader, info);
+    if (color == PNG_COLOR_TYPE_PALETTE)
+        png_set_expand(reader);
+    if (color == PNG_COLOR_TYPE_GRAY && depth < k_byte_bits)
+        png_set_expand(reader);
+    if (png_get_valid(reader, info, PNG_INFO_tRNS))
+        png_set_expand(reader);
+    if (depth == 2 * k_byte_bits)
+        png_set_strip_16(reader);
+    if (color == PNG_COLOR_TYPE_GRAY || color == PNG_COLOR_TYPE_GRAY_ALPHA)
+        png_set_gray_to_rgb(reader);
+    png_set_bgr(reader);
+    png_set_filler(reader, png->alpha, PNG_FILLER_AFTER);
+    png_set_interlace_handling(reader);
+    png_read_update_info(reader, info);
+}
+
+void read_header(RMPngFile *png) {
+    png_set_read_fn(png->png_ptr, png->file, png_read_data_rm_file);
+    png_read_info(png->png_ptr, png->info_ptr);
+    png->width = png_get_image_width(png->png_ptr, png->info_ptr);
+    png->height = png_get_image_height(png->png_ptr, png->info_ptr);
+    normalise(png);
+}
+
+int read_unscaled(uint8_t *dest, RMPngFile *png) {
+    auto **rows = static_cast<png_bytepp>(calloc(png->height, sizeof(png_bytep)));
+    if (!rows)
+        return UX_BITMAP_FAILURE;
+    const size_t row_bytes = png_get_rowbytes(png->png_ptr, png->info_ptr);
+    for (uint32_t i = 0; i < png->height; i++)
+        rows[i] = dest + i * row_bytes;
+    if (setjmp(png_jmpbuf(png->png_ptr))) {
+        free(rows);
+        return UX_BITMAP_FAILURE;
+    }
+    png_read_image(png->png_ptr, rows);
+    png_read_end(png->png_ptr, nullptr);
+    free(rows);
+    return UX_BITMAP_SUCCESS;
+}
+
+// The source row that output row k shows.
+uint32_t source_row(const RMPngFile *png, uint32_t k) {
+    return static_cast<uint32_t>(uint64_t{k} * png->height / png->dst_height);
+}
+
+uint8_t *output_row(uint8_t *dest, const RMPngFile *png, uint32_t k) {
+    return dest + size_t{k} * png->dst_width * k_pixel_bytes;
+}
+
+void scale_rows(uint8_t *dest, RMPngFile *png, uint8_t *row, const nearest_columns &columns) {
+    uint32_t next = 0; // source row that libpng gives next
+    for (uint32_t k = 0; k < png->dst_height; k++) {
+        uint8_t *out = output_row(dest, png, k);
+        const uint32_t wanted = source_row(png, k);
+        if (k > 0 && wanted < next) {
+            memcpy(out, out - size_t{png->dst_width} * k_pixel_bytes,
+                   size_t{png->dst_width} * k_pixel_bytes);
+            continue;
+        }
+        for (; next <= wanted; next++)
+            png_read_row(png->png_ptr, row, nullptr);
+        scale_row(pixels(out), pixels(row), columns);
+    }
+}
+
+// An interlaced picture comes in passes over all rows. Rows that are shown are kept from pass to
+// pass in `kept`, one for each output row; the others go through its last row.
+void scale_passes(uint8_t *dest, RMPngFile *png, uint8_t *kept, const nearest_columns &columns) {
+    const size_t row_bytes = png_get_rowbytes(png->png_ptr, png->info_ptr);
+    for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; pass++) {
+        uint32_t k = 0;
+        for (uint32_t row = 0; row < png->height; row++) {
+            while (k < png->dst_height && source_row(png, k) < row)
+                k++;
+            const bool shown = k < png->dst_height && source_row(png, k) == row;
+            png_read_row(png->png_ptr, kept + (shown ? k : png->dst_height) * row_bytes, nullptr);
+        }
+    }
+    for (uint32_t k = 0; k < png->dst_height; k++) {
+        uint32_t first = k; // the first output row that shows the same source row
+        while (first > 0 && source_row(png, first - 1) == source_row(png, k))
+            first--;
+        scale_row(pixels(output_row(dest, png, k)), pixels(kept + first * row_bytes), columns);
+    }
+}
+
+int read_scaled(uint8_t *dest, RMPngFile *png) {
+    const bool interlaced =
+        png_get_interlace_type(png->png_ptr, png->info_ptr) != PNG_INTERLACE_NONE;
+    const size_t row_bytes = png_get_rowbytes(png->png_ptr, png->info_ptr);
+    const size_t rows = interlaced ? size_t{png->dst_height} + 1 : 1;
+    auto *buffer = static_cast<uint8_t *>(calloc(rows, row_bytes));
+    if (!buffer)
+        return UX_BITMAP_FAILURE;
+    const nearest_columns columns(static_cast<int32_t>(png->width),
+                                  static_cast<int32_t>(png->dst_width));
+    if (setjmp(png_jmpbuf(png->png_ptr))) {
+        free(buffer);
+        return UX_BITMAP_FAILURE;
+    }
+    if (interlaced)
+        scale_passes(dest, png, buffer, columns);
+    else
+        scale_rows(dest, png, buffer, columns);
+    free(buffer);
+    return UX_BITMAP_SUCCESS;
+}
+
+} // namespace
+} // namespace ux
+
+// A short read does not move `data`: files fill every request, so there is none.
+void png_read_data_rm_file(png_structp png_ptr, png_bytep data, size_t length) {
+    auto *file = static_cast<rm_file *>(png_get_io_ptr(png_ptr));
+    while (length > 0) {
+        uint32_t got = 0;
+        if (RMReadFile(file, data, static_cast<uint32_t>(length), &got) != EM862X_SUCCESS)
+            png_error(png_ptr, "Read Error!");
+        length -= got;
+    }
+}
+
+int open_png_file(RMPngFile *png) noexcept {
+    png->gray_levels = 0;
+    png->info_ptr = nullptr;
+    png->png_ptr = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    if (!png->png_ptr)
+        return UX_BITMAP_FAILURE;
+    png->info_ptr = png_create_info_struct(png->png_ptr);
+    if (!png->info_ptr || setjmp(png_jmpbuf(png->png_ptr))) {
+        png_destroy_read_struct(&png->png_ptr, &png->info_ptr, nullptr);
+        return UX_BITMAP_FAILURE;
+    }
+    ux::read_header(png);
+    return UX_BITMAP_SUCCESS;
+}
+
+int png_to_raw(uint8_t *dest, RMPngFile *png) noexcept {
+    return ux::is_scaled(png->width, png->height, png->dst_width, png->dst_height)
+               ? ux::read_scaled(dest, png)
+               : ux::read_unscaled(dest, png);
+}
