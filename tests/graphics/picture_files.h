@@ -94,7 +94,8 @@ class picture_folder {
 
     void write_bytes(const std::string &name, const std::vector<uint8_t> &bytes) const {
         FILE *file = fopen(path(name).c_str(), "wb");
-        fwrite(bytes.data(), 1, bytes.size(), file);
+        if (!bytes.empty())
+            fwrite(bytes.data(), 1, bytes.size(), file);
         fclose(file);
     }
 
