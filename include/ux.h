@@ -72,6 +72,7 @@ extern "C" {
 #define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
+#define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
 /* Behaviour bits (ux_obj.flags), chosen by the widget or the host. */
 enum {
@@ -930,6 +931,123 @@ UX_API int ux_image_button_unset_select(ux_obj *button) UX_NOEXCEPT;
 /* ux_obj_set_size() of the button. Returns 0. */
 UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w,
                                     int h) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Button list                                                                                    */
+/* ============================================================================================== */
+
+/* A vertical menu: a container without background and border that holds a fixed number of text
+ * buttons, one of them current. While the list has the focus the up and down keys move the current
+ * button over the hidden ones and OK reports it. With n buttons and a gap of g pixels, each is
+ * H = (height - 6 * n - (n - 1) * g) / n pixels high, rounded toward 0; button i stands at
+ * (x + 3, y + 3 + i * (g + 6 + H)), width - 6 pixels wide, rounded down to an even number.
+ *
+ * The key handlers of a page that the list replaces are not put back. The list owns its buttons:
+ * they must not be deleted one by one. */
+typedef struct ux_button_list ux_button_list;
+
+/* What a list tells a host: which button. The result is ignored. The list may be deleted in it. */
+typedef int (*ux_button_list_handler)(ux_button_list *list, int index);
+
+struct ux_button_list {
+    ux_container container;                /* the container it extends */
+    int32_t gap;                           /* pixels between two buttons */
+    int32_t item_count;                    /* number of buttons; below 1 there are none */
+    ux_text_button **items;                /* the buttons from the top; null when there are none */
+    uint32_t *values;                      /* the host's word for each button; at first 0 */
+    int32_t current;                       /* index of the current button; at first 0 */
+    ux_button_list_handler focus_handler;  /* after a move by key: the new current button */
+    ux_button_list_handler select_handler; /* on OK: the current button */
+    ux_button_list_handler up_handler;     /* after a move up: the same; at the upper end: -1 */
+    ux_button_list_handler down_handler;   /* after a move down: the same; at the end: item_count */
+};
+
+/* Makes a list of `count` hidden buttons without text, white, orange behind the focused one, and
+ * links it into `parent`, which may be null. Returns null when out of memory. */
+UX_API ux_button_list *ux_button_list_new(ux_container *parent, int x, int y, int w, int h,
+                                          int count, int gap) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the list and, in the new layout, of its buttons. Returns 0. */
+UX_API int ux_button_list_set_size(ux_button_list *list, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Stores the text of a button and shows the button at once, or hides it when the text is null or
+ * empty. An index that no button has is ignored, here and below. Returns 0. */
+UX_API int ux_button_list_set_text(ux_button_list *list, int index,
+                                   const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the host's word for a button. Returns 0. */
+UX_API int ux_button_list_set_value(ux_button_list *list, int index, uint32_t value) UX_NOEXCEPT;
+
+/* Stores the text colours of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_fg_color(ux_button_list *list, uint32_t normal,
+                                            uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_bg_color(ux_button_list *list, uint32_t normal,
+                                            uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the border colours of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_border_color(ux_button_list *list, uint32_t normal,
+                                                uint32_t focus) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_button_list_set_item_font(ux_button_list *list, ...) UX_NOEXCEPT;
+
+/* Stores the border width of all buttons in pixels. Returns 0. */
+UX_API int ux_button_list_set_item_border(ux_button_list *list, int n) UX_NOEXCEPT;
+
+/* Stores the handler that hears of moves by key, null for none. Returns 0. */
+UX_API int ux_button_list_set_focus_handler(ux_button_list *list,
+                                            ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Stores the handler that hears of OK, null for none. Returns 0. */
+UX_API int ux_button_list_set_select_handler(ux_button_list *list,
+                                             ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Stores the handler that hears, after the focus handler, of moves up, and of the key at the upper
+ * end; null for none. Returns 0. */
+UX_API int ux_button_list_set_up_handler(ux_button_list *list,
+                                         ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* The same for moves down and the lower end. Returns 0. */
+UX_API int ux_button_list_set_down_handler(ux_button_list *list,
+                                           ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Makes a button the current one: takes the focus from the old one, gives it to the new one, paints
+ * both when the list is visible, and makes the list its page's focus object. No handler is called.
+ * Returns 0. */
+UX_API int ux_button_list_move_to_target(ux_button_list *list, int index) UX_NOEXCEPT;
+
+/* ux_button_list_move_to_target(). */
+UX_API int ux_button_list_set_item_focus(ux_button_list *list, int index) UX_NOEXCEPT;
+
+/* Key handlers of a page: move to the next visible button above or below the current one, or tell
+ * the up or down handler that there is none; call the select handler. The list is the event's
+ * object. Return 0, or -1 when that is null or no button list. */
+UX_API int ux_button_list_event_move_up(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_button_list_event_move_down(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_button_list_event_press_ok(ux_event *ev) UX_NOEXCEPT;
+
+/* Marks the list and its current button focused, installs the three key handlers and makes the list
+ * its page's focus object. A list without a parent prints a warning on standard error and installs
+ * nothing. Returns 0. */
+UX_API int ux_button_list_set_focus(ux_obj *list) UX_NOEXCEPT;
+
+/* Takes the focused mark from the list and its current button and leaves the page without a focus
+ * object. The key handlers stay. Not a slot of the list: call it by name. Returns 0. */
+UX_API int ux_button_list_unset_focus(ux_obj *list) UX_NOEXCEPT;
+
+/* Marks the list visible and paints its visible buttons. Returns 0. */
+UX_API int ux_button_list_show(ux_obj *list) UX_NOEXCEPT;
+
+/* Marks the list hidden; its pixels stay. Returns 0. */
+UX_API int ux_button_list_hide(ux_obj *list) UX_NOEXCEPT;
+
+/* Shows a visible list, hides a hidden one. Returns 0. */
+UX_API int ux_button_list_repaint(ux_obj *list) UX_NOEXCEPT;
+
+/* Releases the list and its buttons. Does not unlink it. Returns 0. */
+UX_API int ux_button_list_free(ux_obj *list) UX_NOEXCEPT;
 
 #ifdef __cplusplus
 }
