@@ -33,6 +33,7 @@ set(UX_SOURCES
     graphics/uxImage.cpp
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
+    widgets/key_capture.cpp
     widgets/uxButtonList.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp

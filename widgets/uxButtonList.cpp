@@ -5,8 +5,6 @@
 #include "core/child_walk.h"
 #include "widgets/widget_kit.h"
 
-#include <algorithm>
-#include <climits>
 #include <cstdlib>
 
 namespace ux {
@@ -20,11 +18,6 @@ constexpr int k_up = -1;
 constexpr int k_down = 1;
 constexpr int k_above = -1; // what the up handler is told at the upper end
 
-// The number closest to a sum of coordinates: no screen reaches what is cut.
-int cut(int64_t sum) {
-    return static_cast<int>(std::clamp<int64_t>(sum, INT_MIN, INT_MAX));
-}
-
 // Where button `i` of a list with buttons stands. The height, rounded toward 0, may be 0 or less.
 rect place_of(const ux_button_list *list, int i) {
     const ux_obj &obj = list->container.obj;
@@ -33,7 +26,8 @@ rect place_of(const ux_button_list *list, int i) {
     const int64_t height = (obj.height - 2 * k_inset * count - (count - 1) * gap) / count;
     const int64_t top = int64_t{obj.y} + k_inset + i * (gap + 2 * k_inset + height);
     const int64_t width = (int64_t{obj.width} - 2 * k_inset) & ~int64_t{1};
-    return {cut(int64_t{obj.x} + k_inset), cut(top), cut(width), cut(height)};
+    return {coordinate(int64_t{obj.x} + k_inset), coordinate(top), coordinate(width),
+            coordinate(height)};
 }
 
 // Null when there is no button of that index.
@@ -70,9 +64,8 @@ int call(ux_button_list_handler handler, ux_button_list *list, int index) {
     return handler ? handler(list, index) : 0;
 }
 
-// The list that a key is for, or null.
 ux_button_list *list_of(const ux_event *ev) {
-    return ev->obj && ev->obj->type == UX_TYPE_BUTTON_LIST ? as<ux_button_list>(ev->obj) : nullptr;
+    return target_of<ux_button_list>(ev, UX_TYPE_BUTTON_LIST);
 }
 
 // One key towards `direction`; at the end the handler of that direction is told `end` and nothing
@@ -293,7 +286,6 @@ int ux_button_list_event_press_ok(ux_event *ev) noexcept {
 // The page's own handlers of the three keys are not kept: no one puts them back.
 int ux_button_list_set_focus(ux_obj *obj) noexcept {
     const auto *list = ux::as<ux_button_list>(obj);
-    obj->status |= UX_ST_FOCUSED;
     if (obj->page_id == -1)
         ux::report_error("warning, ux_calendar doesn't have a parent object\n");
     if (ux_page *page = ux::page_of(obj)) {
@@ -303,13 +295,12 @@ int ux_button_list_set_focus(ux_obj *obj) noexcept {
     }
     if (ux_text_button *button = ux::item_at(list, list->current))
         ux_text_button_set_focus(&button->obj);
-    ux::take_focus(obj);
-    return 0;
+    return ux::take_focus(obj);
 }
 
 int ux_button_list_unset_focus(ux_obj *obj) noexcept {
     const auto *list = ux::as<ux_button_list>(obj);
-    obj->status &= ~static_cast<uint32_t>(UX_ST_FOCUSED);
+    ux::clear_state(obj, UX_ST_FOCUSED);
     if (ux_text_button *button = ux::item_at(list, list->current))
         ux_text_button_unset_focus(&button->obj);
     if (ux_page *page = ux::page_of(obj))
@@ -318,7 +309,7 @@ int ux_button_list_unset_focus(ux_obj *obj) noexcept {
 }
 
 int ux_button_list_show(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_VISIBLE;
+    ux::set_state(obj, UX_ST_VISIBLE);
     return ux_container_repaint(obj);
 }
 
@@ -327,7 +318,7 @@ int ux_button_list_hide(ux_obj *obj) noexcept {
 }
 
 int ux_button_list_repaint(ux_obj *obj) noexcept {
-    return obj->status & UX_ST_VISIBLE ? ux_button_list_show(obj) : ux_button_list_hide(obj);
+    return ux::show_or_hide(obj, ux_button_list_show, ux_button_list_hide);
 }
 
 // A button that has the page's focus goes with the list.
