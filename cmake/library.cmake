@@ -37,9 +37,12 @@ set(UX_SOURCES
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
     widgets/key_capture.cpp
+    widgets/sign.cpp
     widgets/uxButtonList.cpp
+    widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp

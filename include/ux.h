@@ -72,6 +72,8 @@ extern "C" {
 #define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
+#define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
+#define UX_TYPE_CHECK_BOX 0x00000028u    /* ux_check_box */
 #define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
 /* Behaviour bits (ux_obj.flags), chosen by the widget or the host. */
@@ -973,6 +975,139 @@ UX_API int ux_image_button_unset_select(ux_obj *button) UX_NOEXCEPT;
 /* ux_obj_set_size() of the button. Returns 0. */
 UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w,
                                     int h) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Check box                                                                                      */
+/* ============================================================================================== */
+
+/* A square mark, filled when checked, with a caption beside it. It takes the focus but no keys: the
+ * host writes `checked` and shows the box. No border is painted. Over a normal background that is
+ * not 0 the whole box is filled with the text colour, so that mark and caption do not show. Size of
+ * the text as told for the label. */
+typedef struct ux_check_box {
+    ux_obj obj;                   /* the header */
+    char16_t text[UX_TEXT_UNITS]; /* the caption, ended by a zero unit */
+    int32_t font_size;            /* pixels; default 16 */
+    int32_t checked;              /* the host's to write: not 0 = checked; default 0 */
+    uint32_t fg_color;            /* mark and caption, normal; the host's to write; default grey */
+    uint32_t bg_color;            /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;      /* mark and caption, focused; default grey */
+    uint32_t focus_bg_color;      /* background, focused; default black */
+} ux_check_box;
+
+/* Makes an unchecked box with a copy of `text` (null = empty; more than 127 units are cut in the
+ * middle of the 128th and not drawn) and links it into `parent`, which may be null. The mark is as
+ * wide as the box is high. Returns null when out of memory. */
+UX_API ux_check_box *ux_check_box_new(ux_container *parent, int x, int y, int w, int h,
+                                      const char16_t *text) UX_NOEXCEPT;
+
+/* Marks the box visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_check_box_show(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box hidden; its pixels stay. Returns 0. */
+UX_API int ux_check_box_hide(ux_obj *box) UX_NOEXCEPT;
+
+/* Shows a visible box, hides a hidden one. Returns 0. */
+UX_API int ux_check_box_repaint(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box focused and makes it the page's focus object; paints nothing. Returns 0. */
+UX_API int ux_check_box_set_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Takes the focused mark away; paints nothing. Returns 0. */
+UX_API int ux_check_box_unset_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Slider bar                                                                                     */
+/* ============================================================================================== */
+
+/* A thumb on a track between a "<" and a ">" sign: chooses a number. While it has the focus, the
+ * left and right keys move the thumb by a step. The track takes what the signs leave; the border
+ * runs around the track. Size of the text as told for the label; the room of the signs is that of
+ * the largest "<" of the graphics engine's font that is not higher than the bar. */
+typedef struct ux_slider_bar ux_slider_bar;
+
+/* What a slider tells a host after a move by key: the new position. The result is ignored. The
+ * slider may be deleted in it. */
+typedef int (*ux_slider_bar_handler)(ux_slider_bar *slider, int position);
+
+struct ux_slider_bar {
+    ux_obj obj;              /* the header */
+    int32_t font_size;       /* pixels; default 16 */
+    int32_t position;        /* the number chosen; default 0 */
+    int32_t minimum;         /* the smallest; default 0 */
+    int32_t maximum;         /* the largest; default 100 */
+    int32_t step;            /* change per key press; default 10 */
+    int32_t show_numbers;    /* the host's to write: not 0 = the bar takes the upper half
+                                of the height, minimum, maximum and position are painted
+                                below, one over the other; default 0 */
+    uint32_t bar_color;      /* track; the host's to write; default orange */
+    uint32_t thumb_color;    /* thumb; the host's to write; default blue */
+    uint32_t fg_color;       /* signs and numbers, normal; default grey */
+    uint32_t bg_color;       /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color; /* signs and numbers, focused; default grey */
+    uint32_t focus_bg_color; /* background, focused; default black */
+    ux_slider_bar_handler change_handler; /* of moves by key; the host's to write; or null */
+};
+
+/* Makes a slider from 0 to 100 and links it into `parent`, which may be null. Returns null when out
+ * of memory. */
+UX_API ux_slider_bar *ux_slider_bar_new(ux_container *parent, int x, int y, int w,
+                                        int h) UX_NOEXCEPT;
+
+/* Fills a record of the host's and links it into `parent`. A record that is not from malloc() must
+ * not be freed through its `free` slot. Returns 0. */
+UX_API int ux_slider_bar_init(ux_container *parent, ux_slider_bar *slider, int x, int y, int w,
+                              int h) UX_NOEXCEPT;
+
+/* Stores the range and moves the position into it. The change handler is not called. Returns 0, or
+ * -1 when `max` is not above `min`; then nothing is stored. */
+UX_API int ux_slider_bar_set_minmax(ux_slider_bar *slider, int min, int max) UX_NOEXCEPT;
+
+/* Stores the position. The change handler is not called. Returns 0, or -1 when it is out of range.
+ */
+UX_API int ux_slider_bar_set_pos(ux_slider_bar *slider, int position) UX_NOEXCEPT;
+
+/* Stores the change per key press. The right key stops at the maximum only and the left key at the
+ * minimum only, so that a negative step leaves the range at the other end. Returns 0. */
+UX_API int ux_slider_bar_set_step(ux_slider_bar *slider, int step) UX_NOEXCEPT;
+
+/* Stores the colours of signs and numbers, normal and focused. Returns 0. */
+UX_API int ux_slider_bar_set_fg_color(ux_slider_bar *slider, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds, normal and focused. Returns 0. */
+UX_API int ux_slider_bar_set_bg_color(ux_slider_bar *slider, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_slider_bar_set_border(ux_slider_bar *slider, int n) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the slider. Returns 0. */
+UX_API int ux_slider_bar_set_size(ux_slider_bar *slider, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the slider visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_slider_bar_show(ux_obj *slider) UX_NOEXCEPT;
+
+/* Marks the slider hidden; its pixels stay. Returns 0. */
+UX_API int ux_slider_bar_hide(ux_obj *slider) UX_NOEXCEPT;
+
+/* Shows a visible slider, hides a hidden one. Returns 0. */
+UX_API int ux_slider_bar_repaint(ux_obj *slider) UX_NOEXCEPT;
+
+/* Marks the slider focused, makes it the page's focus object and takes over the page's left and
+ * right keys; paints nothing. All sliders share one copy of the handlers replaced: take the focus
+ * from one before another gets it. Returns 0. */
+UX_API int ux_slider_bar_set_focus(ux_obj *slider) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the keys back; paints nothing. A key that had no handler
+ * keeps the slider's, which ignores other objects. Returns 0. */
+UX_API int ux_slider_bar_unset_focus(ux_obj *slider) UX_NOEXCEPT;
+
+/* Key handlers of a page: move the slider that is the event's object by a step, show it if visible
+ * and call its change handler. At the end of the range, and for other objects, nothing happens.
+ * Return 0. */
+UX_API int ux_slider_bar_key_left(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_slider_bar_key_right(ux_event *ev) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Button list                                                                                    */
