@@ -5,12 +5,14 @@
 
 #include <cstring>
 #include <new>
+#include <set>
 
 namespace fake_chip {
 namespace {
 
 state s_state;
 rmtt_font s_font = {{11, 22, 2048}};
+std::set<fss_glyph *> s_given; // glyphs fetched and not freed
 
 template <class... Values>
 void record(const char *name, Values... values) {
@@ -61,6 +63,9 @@ state &get() {
 
 void reset() {
     s_state = {};
+    for (fss_glyph *glyph : s_given)
+        operator delete(glyph);
+    s_given.clear();
 }
 
 } // namespace fake_chip
@@ -77,12 +82,13 @@ fss_glyph *FSS_get_bitmap(uint32_t code) {
     if (found == get().glyphs.end())
         return nullptr;
     get().outstanding++;
-    return make(found->second);
+    return *s_given.insert(make(found->second)).first;
 }
 
 void FSS_free_char(fss_glyph *given) {
     record("FSS_free_char");
     get().outstanding--;
+    s_given.erase(given);
     operator delete(given);
 }
 
