@@ -16,9 +16,13 @@ set(UX_SOURCES
     event/uxEvent.cpp
     event/uxEvent_em862x.cpp
     event/uxTimer.cpp
+    font/draw_string.cpp
+    font/glyph_request.cpp
+    font/string_buffer.cpp
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp
+    font/uxFontBoxDrawing.cpp
     font/uxFontDrawing.cpp
     font/uxFont_em862x.cpp
     graphics/blend.cpp
@@ -33,8 +37,13 @@ set(UX_SOURCES
     graphics/uxImage.cpp
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
+    widgets/key_capture.cpp
+    widgets/sign.cpp
+    widgets/uxButtonList.cpp
+    widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp

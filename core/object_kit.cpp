@@ -6,7 +6,6 @@
 #include "core/save_area.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -32,17 +31,12 @@ void paint_side(int x0, int y0, int x1, int y1, uint32_t color) {
         uxDrawLine(x0, y0, x1, y1, color);
 }
 
-// A sum of coordinates; what no screen reaches is cut at the largest number.
-int coordinate(int64_t sum) {
-    return static_cast<int>(std::clamp<int64_t>(sum, INT_MIN, INT_MAX));
-}
-
 // In each ring the sides in this order: later ones win the corners.
-void paint_ring(const ux_obj *obj, int64_t i, const border_colors &colors) {
-    const int left = coordinate(obj->x + i);
-    const int top = coordinate(obj->y + i);
-    const int right = coordinate(int64_t{obj->x} + obj->width - 1 - i);
-    const int bottom = coordinate(int64_t{obj->y} + obj->height - 1 - i);
+void paint_ring(const rect &place, int64_t i, const border_colors &colors) {
+    const int left = coordinate(place.x + i);
+    const int top = coordinate(place.y + i);
+    const int right = coordinate(int64_t{place.x} + place.width - 1 - i);
+    const int bottom = coordinate(int64_t{place.y} + place.height - 1 - i);
     paint_side(left, top, right, top, colors.top);
     paint_side(left, bottom, right, bottom, colors.bottom);
     paint_side(left, top, left, bottom, colors.left);
@@ -103,20 +97,25 @@ ux_page *page_of(const ux_obj *obj) {
     return page_at(obj->page_id);
 }
 
-void take_focus(ux_obj *obj) {
-    obj->status |= UX_ST_FOCUSED;
+int take_focus(ux_obj *obj) {
+    set_state(obj, UX_ST_FOCUSED);
     if (ux_page *page = page_of(obj))
         page->focus = obj;
+    return 0;
 }
 
 // Rings from the outside in. An object on the screen has none that is further in than the screen is
 // wide and high; of others no more are painted either.
-void paint_border(const ux_obj *obj) {
+void paint_border(const ux_obj *obj, const rect &place) {
     const border_colors colors = colors_of(obj);
     const int64_t rings =
         std::min<int64_t>(obj->border, int64_t{main_screen.width} + main_screen.height);
     for (int64_t i = 0; i < rings; i++)
-        paint_ring(obj, i, colors);
+        paint_ring(place, i, colors);
+}
+
+void paint_border(const ux_obj *obj) {
+    paint_border(obj, {obj->x, obj->y, obj->width, obj->height});
 }
 
 void paint_fill(const ux_obj *obj, uint32_t color) {

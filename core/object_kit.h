@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// What every page, container and widget does in the same way: construction, error report, border,
-// saved background, membership of the current page, focus of the page.
+// What every page, container and widget does in the same way: construction, error report, state
+// bits, border, saved background, membership of the current page, focus of the page.
 #ifndef UX_CORE_OBJECT_KIT_H
 #define UX_CORE_OBJECT_KIT_H
 
 #include "ux.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 
 namespace ux {
@@ -26,6 +28,11 @@ struct object_prototype {
 struct rect {
     int x, y, width, height;
 };
+
+// A sum of coordinates; what no screen reaches is cut at the largest number.
+inline int coordinate(int64_t sum) {
+    return static_cast<int>(std::clamp<int64_t>(sum, INT_MIN, INT_MAX));
+}
 
 // Prints "Error: [%d] %s\n" with ux_error on standard error and returns the characters printed.
 int report_error(const char *message);
@@ -56,17 +63,42 @@ inline bool on_current_page(const ux_obj *obj) {
     return obj->page_id == main_screen.current_page;
 }
 
+// Sets UX_ST_* bits; nothing is painted. Returns 0.
+inline int set_state(ux_obj *obj, uint32_t bits) {
+    obj->status |= bits;
+    return 0;
+}
+
+// Clears UX_ST_* bits; nothing is painted. Returns 0.
+inline int clear_state(ux_obj *obj, uint32_t bits) {
+    obj->status &= ~bits;
+    return 0;
+}
+
+// The opening of every show: marks the object visible. Returns whether there is anything to paint.
+inline bool begin_show(ux_obj *obj) {
+    set_state(obj, UX_ST_VISIBLE);
+    return on_current_page(obj);
+}
+
+// What every repaint does: shows what is visible and hides what is not.
+inline int show_or_hide(ux_obj *obj, ux_slot show, ux_slot hide) {
+    return obj->status & UX_ST_VISIBLE ? show(obj) : hide(obj);
+}
+
 // The page of that index, or null when there is none.
 ux_page *page_at(int index);
 
 // The page that owns `obj`, or null when its page_id names none.
 ux_page *page_of(const ux_obj *obj);
 
-// Sets UX_ST_FOCUSED and makes `obj` its page's focus.
-void take_focus(ux_obj *obj);
+// Sets UX_ST_FOCUSED and makes `obj` its page's focus; nothing is painted. Returns 0.
+int take_focus(ux_obj *obj);
 
-// Paints the border in the colours of the object's state.
+// Paints the border in the colours of the object's state: around the object, or around a part of
+// it. A focused border has the one colour `top_focus_color`; sides of no colour are left out.
 void paint_border(const ux_obj *obj);
+void paint_border(const ux_obj *obj, const rect &place);
 
 // Fills the object's rectangle.
 void paint_fill(const ux_obj *obj, uint32_t color);

@@ -4,8 +4,6 @@
 #include "core/child_walk.h"
 #include "core/object_kit.h"
 
-#include <algorithm>
-#include <climits>
 #include <cstring>
 
 namespace ux {
@@ -27,16 +25,12 @@ ux_container *as_container(ux_obj *obj) {
     return as<ux_container>(obj);
 }
 
-int cut(int64_t size) {
-    return static_cast<int>(std::clamp<int64_t>(size, INT_MIN, INT_MAX));
-}
-
 // A picture fills the inside of the border.
 void paint_picture(const ux_container *container) {
     const ux_obj &obj = container->obj;
     const int64_t border = obj.border;
-    ux_draw_image(container->bg_image, cut(obj.x + border), cut(obj.y + border),
-                  cut(obj.width - 2 * border), cut(obj.height - 2 * border), 0);
+    ux_draw_image(container->bg_image, coordinate(obj.x + border), coordinate(obj.y + border),
+                  coordinate(obj.width - 2 * border), coordinate(obj.height - 2 * border), 0);
 }
 
 void paint_background(const ux_container *container) {
@@ -142,8 +136,7 @@ int ux_container_free(ux_obj *container) noexcept {
 // also when there was nothing to paint.
 int ux_container_show_self(ux_container *container) noexcept {
     ux_obj *obj = &container->obj;
-    obj->status |= UX_ST_VISIBLE;
-    if (!ux::on_current_page(obj))
+    if (!ux::begin_show(obj))
         return 0;
     ux::paint_background(container);
     if ((obj->flags & UX_FLAG_SAVE_BG) && container->bg_color == UX_COLOR_NONE &&
@@ -197,7 +190,7 @@ int ux_container_unset_focus(ux_obj *container) noexcept {
         if (child->unset_focus)
             child->unset_focus(child);
     if (walk.container_exists())
-        container->status &= ~static_cast<uint32_t>(UX_ST_FOCUSED);
+        ux::clear_state(container, UX_ST_FOCUSED);
     return 0;
 }
 

@@ -56,8 +56,7 @@ int ux_image_button_set_image(ux_image_button *button, const char *path,
 
 // Transparent parts of a picture show what lay beneath, not the previous state's picture.
 int ux_image_button_show(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_VISIBLE;
-    if (!ux::on_current_page(obj))
+    if (!ux::begin_show(obj))
         return 0;
     if ((obj->flags & UX_FLAG_SAVE_BG) && !(obj->status & UX_ST_BG_SAVED))
         ux_obj_backup_bg(obj);
@@ -76,27 +75,23 @@ int ux_image_button_hide(ux_obj *obj) noexcept {
 }
 
 int ux_image_button_repaint(ux_obj *obj) noexcept {
-    return obj->status & UX_ST_VISIBLE ? ux_image_button_show(obj) : ux_image_button_hide(obj);
+    return ux::show_or_hide(obj, ux_image_button_show, ux_image_button_hide);
 }
 
 int ux_image_button_set_focus(ux_obj *obj) noexcept {
-    ux::take_focus(obj);
-    return 0;
+    return ux::take_focus(obj);
 }
 
 int ux_image_button_unset_focus(ux_obj *obj) noexcept {
-    obj->status &= ~static_cast<uint32_t>(UX_ST_FOCUSED);
-    return 0;
+    return ux::clear_state(obj, UX_ST_FOCUSED);
 }
 
 int ux_image_button_set_select(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_SELECTED;
-    return 0;
+    return ux::set_state(obj, UX_ST_SELECTED);
 }
 
 int ux_image_button_unset_select(ux_obj *obj) noexcept {
-    obj->status &= ~static_cast<uint32_t>(UX_ST_SELECTED);
-    return 0;
+    return ux::clear_state(obj, UX_ST_SELECTED);
 }
 
 int ux_image_button_set_size(ux_image_button *button, int x, int y, int w, int h) noexcept {

@@ -42,15 +42,14 @@ ux_image_label *ux_image_label_new(ux_container *parent, int x, int y, int w, in
 int ux_image_label_set_image(ux_image_label *label, const char *path) noexcept {
     if (path && strncmp(path, label->image, UX_PATH_BYTES - 1) == 0)
         return 0;
-    label->obj.status &= ~static_cast<uint32_t>(UX_ST_FG_SAVED);
+    ux::clear_state(&label->obj, UX_ST_FG_SAVED);
     ux::copy_path(label->image, path);
     return 0;
 }
 
 int ux_image_label_show(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_VISIBLE;
     auto *label = ux::as<ux_image_label>(obj);
-    if (!ux::on_current_page(obj) || label->image[0] == '\0')
+    if (!ux::begin_show(obj) || label->image[0] == '\0')
         return 0;
     const bool saved = obj->status & UX_ST_FG_SAVED;
     if ((obj->flags & UX_FLAG_SAVE_FG) && !saved) {
@@ -70,5 +69,5 @@ int ux_image_label_hide(ux_obj *obj) noexcept {
 }
 
 int ux_image_label_repaint(ux_obj *obj) noexcept {
-    return obj->status & UX_ST_VISIBLE ? ux_image_label_show(obj) : ux_image_label_hide(obj);
+    return ux::show_or_hide(obj, ux_image_label_show, ux_image_label_hide);
 }

@@ -24,26 +24,6 @@ state_colors colors_of(const ux_text_button *button) {
     }
 }
 
-// Any state may need what lies beneath, so it is saved before anything of the button is painted.
-bool may_show_saved_background(const ux_text_button *button) {
-    return button->bg_color == UX_COLOR_NONE || button->focus_bg_color == UX_COLOR_NONE ||
-           button->select_bg_color == UX_COLOR_NONE ||
-           button->select_focus_bg_color == UX_COLOR_NONE;
-}
-
-int inset(int size, int border) {
-    return static_cast<int>(static_cast<unsigned>(size) - 2u * static_cast<unsigned>(border));
-}
-
-int moved(int position, int border) {
-    return static_cast<int>(static_cast<unsigned>(position) + static_cast<unsigned>(border));
-}
-
-rect inside_border(const ux_obj *obj) {
-    return {moved(obj->x, obj->border), moved(obj->y, obj->border), inset(obj->width, obj->border),
-            inset(obj->height, obj->border)};
-}
-
 constexpr object_prototype k_text_button = {
     .type = UX_TYPE_TEXT_BUTTON,
     .flags = UX_FLAG_SAVE_BG,
@@ -138,13 +118,12 @@ int ux_text_button_set_size(ux_text_button *button, int x, int y, int w, int h) 
 }
 
 int ux_text_button_show(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_VISIBLE;
-    if (!ux::on_current_page(obj))
+    if (!ux::begin_show(obj))
         return 0;
     const auto *button = ux::as<ux_text_button>(obj);
     const ux::state_colors colors = ux::colors_of(button);
-    if (ux::may_show_saved_background(button))
-        ux::save_background_once(obj);
+    ux::save_background_once(obj, {button->bg_color, button->focus_bg_color,
+                                   button->select_bg_color, button->select_focus_bg_color});
     ux::paint_background(obj, colors.bg);
     ux::paint_border(obj);
     ux::paint_text(button->text, colors.fg, colors.bg, ux::inside_border(obj),
@@ -155,7 +134,7 @@ int ux_text_button_show(ux_obj *obj) noexcept {
 
 // The rectangle is updated also when there was nothing to restore.
 int ux_text_button_hide(ux_obj *obj) noexcept {
-    obj->status &= ~static_cast<uint32_t>(UX_ST_VISIBLE);
+    ux::clear_state(obj, UX_ST_VISIBLE);
     if (!ux::on_current_page(obj))
         return 0;
     ux::paint_saved_background(obj);
@@ -164,7 +143,7 @@ int ux_text_button_hide(ux_obj *obj) noexcept {
 }
 
 int ux_text_button_repaint(ux_obj *obj) noexcept {
-    return obj->status & UX_ST_VISIBLE ? ux_text_button_show(obj) : ux_text_button_hide(obj);
+    return ux::show_or_hide(obj, ux_text_button_show, ux_text_button_hide);
 }
 
 int ux_text_button_set_focus(ux_obj *obj) noexcept {
@@ -174,16 +153,16 @@ int ux_text_button_set_focus(ux_obj *obj) noexcept {
 
 // It stays the page's focus: keys still go to it.
 int ux_text_button_unset_focus(ux_obj *obj) noexcept {
-    obj->status &= ~static_cast<uint32_t>(UX_ST_FOCUSED);
+    ux::clear_state(obj, UX_ST_FOCUSED);
     return ux_text_button_show(obj);
 }
 
 int ux_text_button_set_select(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_SELECTED;
+    ux::set_state(obj, UX_ST_SELECTED);
     return ux_text_button_show(obj);
 }
 
 int ux_text_button_unset_select(ux_obj *obj) noexcept {
-    obj->status &= ~static_cast<uint32_t>(UX_ST_SELECTED);
+    ux::clear_state(obj, UX_ST_SELECTED);
     return ux_text_button_show(obj);
 }

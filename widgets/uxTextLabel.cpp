@@ -75,12 +75,10 @@ int ux_text_label_set_size(ux_text_label *label, int x, int y, int w, int h) noe
 
 // The label paints no border.
 int ux_text_label_show(ux_obj *obj) noexcept {
-    obj->status |= UX_ST_VISIBLE;
-    if (!ux::on_current_page(obj))
+    if (!ux::begin_show(obj))
         return 0;
     const auto *label = ux::as<ux_text_label>(obj);
-    if (label->bg_color == UX_COLOR_NONE)
-        ux::save_background_once(obj);
+    ux::save_background_once(obj, {label->bg_color});
     ux::paint_background(obj, label->bg_color);
     ux::paint_text(label->text, label->fg_color, label->bg_color,
                    {obj->x, obj->y, obj->width, obj->height}, ux::font_size(label->font_size));
@@ -93,5 +91,5 @@ int ux_text_label_hide(ux_obj *obj) noexcept {
 }
 
 int ux_text_label_repaint(ux_obj *obj) noexcept {
-    return obj->status & UX_ST_VISIBLE ? ux_text_label_show(obj) : ux_text_label_hide(obj);
+    return ux::show_or_hide(obj, ux_text_label_show, ux_text_label_hide);
 }

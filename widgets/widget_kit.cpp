@@ -49,9 +49,23 @@ void paint_background(const ux_obj *obj, uint32_t bg) {
         paint_saved_background(obj);
 }
 
-void save_background_once(ux_obj *obj) {
-    if ((obj->flags & UX_FLAG_SAVE_BG) && !(obj->status & UX_ST_BG_SAVED))
-        ux_obj_backup_bg(obj);
+void save_background_once(ux_obj *obj, std::initializer_list<uint32_t> backgrounds,
+                          underlay beneath) {
+    if (!(obj->flags & UX_FLAG_SAVE_BG) || (obj->status & UX_ST_BG_SAVED))
+        return;
+    if (std::find(backgrounds.begin(), backgrounds.end(), UX_COLOR_NONE) == backgrounds.end())
+        return;
+    if (beneath == underlay::black)
+        paint_fill(obj, UX_COLOR_BACKGROUND);
+    ux_obj_backup_bg(obj);
+}
+
+// The sums wrap: no border is too large.
+rect inside_border(const ux_obj *obj) {
+    const auto border = static_cast<uint32_t>(obj->border);
+    const auto moved = [border](int at) { return static_cast<int>(uint32_t(at) + border); };
+    const auto inset = [border](int size) { return static_cast<int>(uint32_t(size) - 2 * border); };
+    return {moved(obj->x), moved(obj->y), inset(obj->width), inset(obj->height)};
 }
 
 void copy_path(char (&field)[UX_PATH_BYTES], const char *path) {

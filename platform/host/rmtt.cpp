@@ -64,3 +64,17 @@ int RMTTCloseFont(rua_instance *instance, rmtt_font *font) {
     fonts.erase(found);
     return EM862X_SUCCESS;
 }
+
+const int16_t *RMTTGetGlyphMetrics(rmtt_font *, uint32_t) {
+    return nullptr;
+}
+
+uint32_t RMTTGetCompoundCount(rmtt_font *, uint32_t) {
+    return 0;
+}
+
+const int16_t *RMTTGetScaleMatrix(rmtt_font *, uint32_t, uint32_t) {
+    return nullptr;
+}
+
+void RMTTGetGlyphPointer(rmtt_font *, uint32_t, uint32_t, uint32_t *, uint32_t *) {}

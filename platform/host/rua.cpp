@@ -5,6 +5,7 @@
  */
 #include "platform/host/rua_instance.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/host/guard.h"
@@ -130,10 +131,37 @@ uint32_t RUAMalloc(rua_instance *instance, uint32_t controller, uint32_t kind, u
     if (!em862x::is_instance(instance) || controller != k_dram_controller ||
         kind != k_uncached_dram)
         return 0;
-    return em862x::guarded(uint32_t{0}, [&] { return instance->memory.allocate(size); });
+    return em862x::guarded(uint32_t{0},
+                           [&] { return instance->memory.allocate(std::max(size, uint32_t{1})); });
 }
 
 void RUAFree(rua_instance *instance, uint32_t address) {
+    if (!em862x::is_instance(instance))
+        return;
+    instance->access.forget(address);
+    instance->memory.release(address);
+}
+
+int RUALock(rua_instance *instance, uint32_t address, uint32_t size) {
+    if (!em862x::is_instance(instance))
+        return EM862X_FAILURE;
+    return em862x::guarded(int{EM862X_FAILURE}, [&] {
+        return int{instance->access.lock(address, size) ? EM862X_SUCCESS : EM862X_FAILURE};
+    });
+}
+
+int RUAUnLock(rua_instance *instance, uint32_t address, uint32_t size) {
+    return em862x::is_instance(instance) && instance->access.unlock(address, size) ? EM862X_SUCCESS
+                                                                                   : EM862X_FAILURE;
+}
+
+uint8_t *RUAMap(rua_instance *instance, uint32_t address, uint32_t size) {
+    if (!em862x::is_instance(instance))
+        return nullptr;
+    return reinterpret_cast<uint8_t *>(instance->access.map(address, size));
+}
+
+void RUAUnMap(rua_instance *instance, uint8_t *pointer, uint32_t size) {
     if (em862x::is_instance(instance))
-        instance->memory.release(address);
+        instance->access.unmap(reinterpret_cast<std::byte *>(pointer), size);
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/host/dram.h"
+#include "platform/host/dram_access.h"
 #include "platform/host/export.h"
 #include "platform/host/font_file.h"
 #include "platform/host/gfx_engine.h"
@@ -27,6 +28,7 @@ struct open_font : rmtt_font {
 /* Members are released bottom-up: fonts before the library that opened them. */
 struct rua_instance {
     em862x::dram memory;
+    em862x::dram_access access{memory};
     em862x::gfx_engine engine;
     em862x::library_handle freetype; /* made with the first font */
     std::vector<std::unique_ptr<em862x::open_font>> fonts;
