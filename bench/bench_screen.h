@@ -44,6 +44,7 @@ void register_blend();
 void register_convert();
 void register_scale();
 void register_text();
+void register_string();
 void register_page();
 
 #endif

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Strings of the engine on the screen: fitted to a box, aligned in it, laid over what is there.
 
+#include "font/string_overlay.h"
 #include "graphics/surface.h"
 
 #include <algorithm>
@@ -41,14 +42,6 @@ span place_along(int start, int box, uint32_t string, int place) {
 uint32_t visible_count(const span &along, int screen) {
     const uint32_t size = screen > 0 ? static_cast<uint32_t>(screen) : 0;
     return along.target < size ? std::min(along.count, size - along.target) : 0;
-}
-
-// Pixels of value 0 are transparent.
-template <class Word>
-void lay_over(Word *screen, const Word *string, uint32_t count) {
-    for (uint32_t i = 0; i < count; i++)
-        if (string[i] != 0)
-            screen[i] = string[i];
 }
 
 template <class Word>

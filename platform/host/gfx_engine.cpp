@@ -72,8 +72,7 @@ int gfx_engine::set_matrix(const outline_matrix &matrix) noexcept {
     return answer;
 }
 
-int gfx_engine::render(const glyph_request &request, FT_Library library, FT_Face face,
-                       dram &memory) noexcept {
+int gfx_engine::render(const glyph_request &request, FT_Face face, dram &memory) noexcept {
     if (const int refusal = admit(); refusal != EM862X_SUCCESS)
         return refusal;
     const std::optional<outline_matrix> matrix = std::exchange(matrix_, std::nullopt);
@@ -81,8 +80,7 @@ int gfx_engine::render(const glyph_request &request, FT_Library library, FT_Face
     if (!face || !cell)
         return EM862X_FAILURE;
     std::byte *bits = memory.resolve(request.scratch, pitch_of(*cell) * cell->height);
-    return bits && render_glyph(library, face, request, matrix, bits) ? EM862X_SUCCESS
-                                                                      : EM862X_FAILURE;
+    return bits && render_glyph(face, request, matrix, bits) ? EM862X_SUCCESS : EM862X_FAILURE;
 }
 
 } // namespace em862x

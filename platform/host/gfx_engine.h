@@ -49,8 +49,7 @@ class gfx_engine {
     int set_matrix(const outline_matrix &matrix) noexcept;
 
     /* Renders an outline of a face into memory. The matrix sent before, if any, is used up. */
-    int render(const glyph_request &request, FT_Library library, FT_Face face,
-               dram &memory) noexcept;
+    int render(const glyph_request &request, FT_Face face, dram &memory) noexcept;
 
     /* The next `count` glyph commands are answered with busy. */
     void keep_busy(unsigned count) noexcept { busy_answers_ = count; }

@@ -53,18 +53,6 @@ void apply(FT_Outline &outline, const outline_matrix &matrix, std::uint32_t scal
     FT_Outline_Translate(&outline, x, y);
 }
 
-/* Hinting rounds ink away from where the cell expects it: how far to move it back inside, 26.6. */
-FT_Pos shift_into(const FT_Outline &outline, std::uint32_t width) noexcept {
-    FT_BBox box;
-    FT_Outline_Get_CBox(&outline, &box);
-    const FT_Pos left = to_nearest_pixel(box.xMin);
-    const FT_Pos right = to_nearest_pixel(box.xMax);
-    const FT_Pos edge = FT_Pos{width} * k_one;
-    if (left < 0)
-        return std::clamp<FT_Pos>(edge - right, 0, -left);
-    return right > edge ? -std::min(left, right - edge) : 0;
-}
-
 bool load(FT_Face face, const glyph_request &request,
           const std::optional<outline_matrix> &matrix) noexcept {
     const bool hinted = !matrix || only_moves(*matrix);
@@ -78,30 +66,59 @@ bool load(FT_Face face, const glyph_request &request,
     return true;
 }
 
+/* Calls visit(column, row) for every ink pixel of a bitmap. */
+template <class Visit>
+void for_each_pixel(const FT_Bitmap &bitmap, Visit visit) noexcept {
+    for (int row = 0; row < static_cast<int>(bitmap.rows); row++)
+        for (int column = 0; column < static_cast<int>(bitmap.width); column++)
+            if (bitmap.buffer[row * bitmap.pitch + column / 8] & 0x80 >> column % 8)
+                visit(column, row);
+}
+
+/* Hinting may round ink out of its cell: how many columns to move it to have it back inside. */
+int shift_into(const FT_Bitmap &bitmap, int left, int width) noexcept {
+    int first = width;
+    int end = 0;
+    for_each_pixel(bitmap, [&](int column, int) {
+        first = std::min(first, left + column);
+        end = std::max(end, left + column + 1);
+    });
+    if (first < 0)
+        return std::clamp(width - end, 0, -first);
+    return end > width ? -std::min(first, end - width) : 0;
+}
+
+/* Sets the ink in a cleared cell; what lies outside is dropped. */
+void copy_ink(const FT_Bitmap &bitmap, int left, int top, const glyph_cell &cell,
+              std::byte *bits) noexcept {
+    const std::uint32_t pitch = pitch_of(cell);
+    for_each_pixel(bitmap, [&](int column, int row) {
+        const auto x = static_cast<std::uint32_t>(left + column);
+        const auto y = static_cast<std::uint32_t>(top + row);
+        if (x < cell.width && y < cell.height)
+            bits[std::size_t{y} * pitch + x / 8] |= std::byte{0x80} >> x % 8;
+    });
+}
+
 } // namespace
 
-bool render_glyph(FT_Library library, FT_Face face, const glyph_request &request,
+bool render_glyph(FT_Face face, const glyph_request &request,
                   const std::optional<outline_matrix> &matrix, std::byte *bits) noexcept {
     const std::optional<glyph_cell> cell = cell_of(request);
     const std::optional<cell_rows> rows = rows_of(request);
     if (!cell || !rows)
         return false;
-    const std::uint32_t pitch = pitch_of(*cell);
-    std::memset(bits, 0, std::size_t{pitch} * cell->height);
+    std::memset(bits, 0, std::size_t{pitch_of(*cell)} * cell->height);
     if (cell->width == 0 || cell->height == 0)
         return true;
-    if (!load(face, request, matrix))
+    const FT_GlyphSlot slot = face->glyph;
+    if (!load(face, request, matrix) || FT_Render_Glyph(slot, FT_RENDER_MODE_MONO) != 0)
         return false;
-    FT_Outline &outline = face->glyph->outline;
-    const FT_Pos x = matrix ? 0 : shift_into(outline, cell->width);
-    FT_Outline_Translate(&outline, x, FT_Pos{rows->below} * k_one);
-    FT_Bitmap target = {};
-    target.rows = cell->height;
-    target.width = cell->width;
-    target.pitch = static_cast<int>(pitch);
-    target.buffer = reinterpret_cast<unsigned char *>(bits);
-    target.pixel_mode = FT_PIXEL_MODE_MONO;
-    return FT_Outline_Get_Bitmap(library, &outline, &target) == 0;
+    const int shift =
+        matrix ? 0 : shift_into(slot->bitmap, slot->bitmap_left, static_cast<int>(cell->width));
+    copy_ink(slot->bitmap, slot->bitmap_left + shift,
+             static_cast<int>(rows->above) - slot->bitmap_top, *cell, bits);
+    return true;
 }
 
 } // namespace em862x

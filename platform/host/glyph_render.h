@@ -18,7 +18,7 @@ namespace em862x {
  * stretches it. `bits` has pitch_of(cell) * cell.height bytes; all of them are written. False when
  * the outline cannot be loaded.
  */
-bool render_glyph(FT_Library library, FT_Face face, const glyph_request &request,
+bool render_glyph(FT_Face face, const glyph_request &request,
                   const std::optional<outline_matrix> &matrix, std::byte *bits) noexcept;
 
 } // namespace em862x

@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /*
- * The RMTT calls: opening and closing TrueType fonts. Header values 0 and 1 of an open font are the
- * ascender and the descender (negative, two's complement) in font units, value 2 the em size.
+ * The RMTT calls: opening and closing TrueType fonts, and their characters. Header values 0 and 1
+ * of an open font are the ascender and the descender (negative, two's complement) in font units,
+ * value 2 the em size.
  */
 #include "platform/host/guard.h"
 #include "platform/host/rm_non_ascii.h"

@@ -108,7 +108,7 @@ int render_glyph(rua_instance &instance, const void *in, std::uint32_t in_size) 
     for (const auto &font : instance.fonts)
         if (font->key == request.font)
             face = font->face.get();
-    return instance.engine.render(request, instance.freetype.get(), face, instance.memory);
+    return instance.engine.render(request, face, instance.memory);
 }
 
 } // namespace
