@@ -73,9 +73,11 @@ struct prepared_string {
     }
 
     void lay_over() const {
-        auto *screen = reinterpret_cast<Word *>(screen_pixels()) + 10 * k_width + 10;
-        for (uint32_t y = 0; y < height; y++)
-            ux::lay_over(screen + size_t{y} * k_width, pixels.data() + size_t{y} * width, width);
+        auto *screen = reinterpret_cast<uint8_t *>(screen_pixels());
+        ux::lay_over({screen + (10 * k_width + 10) * sizeof(Word), k_width * sizeof(Word)},
+                     {reinterpret_cast<const uint8_t *>(pixels.data()),
+                      static_cast<int64_t>(width * sizeof(Word))},
+                     width, height, sizeof(Word));
     }
 
     // Knows beforehand where every pixel is.

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/em862x.h"
-#include "platform/host/glyph_render.h"
 
 namespace em862x {
 
@@ -72,7 +71,7 @@ int gfx_engine::set_matrix(const outline_matrix &matrix) noexcept {
     return answer;
 }
 
-int gfx_engine::render(const glyph_request &request, FT_Face face, dram &memory) noexcept {
+int gfx_engine::render(const glyph_request &request, scaled_face *face, dram &memory) noexcept {
     if (const int refusal = admit(); refusal != EM862X_SUCCESS)
         return refusal;
     const std::optional<outline_matrix> matrix = std::exchange(matrix_, std::nullopt);
@@ -80,7 +79,7 @@ int gfx_engine::render(const glyph_request &request, FT_Face face, dram &memory)
     if (!face || !cell)
         return EM862X_FAILURE;
     std::byte *bits = memory.resolve(request.scratch, pitch_of(*cell) * cell->height);
-    return bits && render_glyph(face, request, matrix, bits) ? EM862X_SUCCESS : EM862X_FAILURE;
+    return bits && render_glyph(*face, request, matrix, bits) ? EM862X_SUCCESS : EM862X_FAILURE;
 }
 
 } // namespace em862x

@@ -10,6 +10,7 @@
 #include "platform/host/dram.h"
 #include "platform/host/font_glyph.h"
 #include "platform/host/glyph_command.h"
+#include "platform/host/glyph_render.h"
 
 namespace em862x {
 
@@ -48,8 +49,9 @@ class gfx_engine {
     int measure(const glyph_request &request, glyph_cell &cell) noexcept;
     int set_matrix(const outline_matrix &matrix) noexcept;
 
-    /* Renders an outline of a face into memory. The matrix sent before, if any, is used up. */
-    int render(const glyph_request &request, FT_Face face, dram &memory) noexcept;
+    /* Renders an outline of a face into memory; failure without one. The matrix sent before, if
+     * any, is used up. */
+    int render(const glyph_request &request, scaled_face *face, dram &memory) noexcept;
 
     /* The next `count` glyph commands are answered with busy. */
     void keep_busy(unsigned count) noexcept { busy_answers_ = count; }

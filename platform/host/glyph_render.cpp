@@ -18,11 +18,16 @@ constexpr std::int16_t k_unity = 1 << 14; /* 1 in 2.14 */
 constexpr int k_fraction_shift = 2;       /* 2.14 to 16.16 */
 
 /* At 72 dots per inch a point is a pixel, which lets sizes keep their fraction. */
-bool set_scale(FT_Face face, std::uint32_t scale) noexcept {
-    const std::int64_t size = std::int64_t{scale} * face->units_per_EM * k_one >> k_scale_bits;
-    const FT_F26Dot6 em = static_cast<FT_F26Dot6>(
+bool set_scale(scaled_face &scaled, std::uint32_t scale) noexcept {
+    if (scaled.scale == scale)
+        return true;
+    const std::int64_t size =
+        std::int64_t{scale} * scaled.face->units_per_EM * k_one >> k_scale_bits;
+    const auto em = static_cast<FT_F26Dot6>(
         std::clamp<std::int64_t>(size, 1, std::int64_t{k_cell_side_max} * k_one));
-    return FT_Set_Char_Size(face, em, em, 72, 72) == 0;
+    const bool is_set = FT_Set_Char_Size(scaled.face, em, em, 72, 72) == 0;
+    scaled.scale = is_set ? scale : 0;
+    return is_set;
 }
 
 FT_Pos to_nearest_pixel(FT_Pos length) noexcept {
@@ -53,12 +58,13 @@ void apply(FT_Outline &outline, const outline_matrix &matrix, std::uint32_t scal
     FT_Outline_Translate(&outline, x, y);
 }
 
-bool load(FT_Face face, const glyph_request &request,
+bool load(scaled_face &scaled, const glyph_request &request,
           const std::optional<outline_matrix> &matrix) noexcept {
     const bool hinted = !matrix || only_moves(*matrix);
     const FT_Int32 flags =
         FT_LOAD_NO_BITMAP | (hinted ? FT_LOAD_TARGET_MONO : FT_Int32{FT_LOAD_NO_HINTING});
-    if (!set_scale(face, request.scale) || FT_Load_Glyph(face, request.outline, flags) != 0 ||
+    const FT_Face face = scaled.face;
+    if (!set_scale(scaled, request.scale) || FT_Load_Glyph(face, request.outline, flags) != 0 ||
         face->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return false;
     if (matrix)
@@ -102,7 +108,7 @@ void copy_ink(const FT_Bitmap &bitmap, int left, int top, const glyph_cell &cell
 
 } // namespace
 
-bool render_glyph(FT_Face face, const glyph_request &request,
+bool render_glyph(scaled_face &face, const glyph_request &request,
                   const std::optional<outline_matrix> &matrix, std::byte *bits) noexcept {
     const std::optional<glyph_cell> cell = cell_of(request);
     const std::optional<cell_rows> rows = rows_of(request);
@@ -111,7 +117,7 @@ bool render_glyph(FT_Face face, const glyph_request &request,
     std::memset(bits, 0, std::size_t{pitch_of(*cell)} * cell->height);
     if (cell->width == 0 || cell->height == 0)
         return true;
-    const FT_GlyphSlot slot = face->glyph;
+    const FT_GlyphSlot slot = face.face->glyph;
     if (!load(face, request, matrix) || FT_Render_Glyph(slot, FT_RENDER_MODE_MONO) != 0)
         return false;
     const int shift =

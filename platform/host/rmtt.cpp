@@ -23,6 +23,7 @@ std::unique_ptr<em862x::open_font> load_font(FT_Library library, const char *pat
     font->face = em862x::open_face(library, font->bytes);
     if (!font->face)
         return nullptr;
+    font->scaled.face = font->face.get();
     font->mapping = mapping;
     font->header[0] = static_cast<uint16_t>(font->face->ascender);
     font->header[1] = static_cast<uint16_t>(font->face->descender);

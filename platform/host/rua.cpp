@@ -104,10 +104,10 @@ int render_glyph(rua_instance &instance, const void *in, std::uint32_t in_size) 
     em862x::glyph_request request{};
     if (!receive(request, in, in_size))
         return EM862X_FAILURE;
-    FT_Face face = nullptr;
+    em862x::scaled_face *face = nullptr;
     for (const auto &font : instance.fonts)
         if (font->key == request.font)
-            face = font->face.get();
+            face = &font->scaled;
     return instance.engine.render(request, face, instance.memory);
 }
 

@@ -23,6 +23,7 @@ struct open_font : rmtt_font {
     rmtt_mapping mapping{};     /* the codes it was opened for */
     std::vector<FT_Byte> bytes; /* the file; outlives the face */
     face_handle face;
+    scaled_face scaled;    /* of that face */
     std::uint32_t key = 0; /* by which glyph commands name it; never used twice */
     std::map<std::uint32_t, font_glyph>
         glyphs; /* those asked for, by code; stay while it is open */
