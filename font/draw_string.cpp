@@ -14,7 +14,7 @@ namespace {
 constexpr int k_alignments = 9; // three columns of places times three rows
 constexpr int k_places = 3;
 
-enum place { k_near, k_middle, k_far }; // left or top, centre, right or bottom
+enum { k_near, k_middle, k_far }; // places: left or top, centre, right or bottom
 
 // One axis of a string in its box.
 struct span {

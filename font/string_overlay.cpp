@@ -9,11 +9,10 @@
 namespace ux {
 namespace {
 
-#define UX_INLINE inline __attribute__((always_inline)) // into each version of a function
-
-// Without a branch: where the string is 0 the screen's pixel is stored again.
+// Inline, since it is compiled into each version of a function. Without a branch: where the string
+// is 0 the screen's pixel is stored again.
 template <class Word>
-UX_INLINE void lay_lanes(uint8_t *screen, const uint8_t *string) {
+inline __attribute__((always_inline)) void lay_lanes(uint8_t *screen, const uint8_t *string) {
     using lanes [[gnu::vector_size(32)]] = Word;
     lanes above;
     lanes below;
@@ -24,7 +23,8 @@ UX_INLINE void lay_lanes(uint8_t *screen, const uint8_t *string) {
 }
 
 template <class Word>
-UX_INLINE void lay_pixels(uint8_t *screen, const uint8_t *string, uint32_t count) {
+inline __attribute__((always_inline)) void lay_pixels(uint8_t *screen, const uint8_t *string,
+                                                      uint32_t count) {
     for (uint32_t i = 0; i < count; i++) {
         Word pixel;
         memcpy(&pixel, string + i * sizeof pixel, sizeof pixel);
@@ -35,8 +35,9 @@ UX_INLINE void lay_pixels(uint8_t *screen, const uint8_t *string, uint32_t count
 
 // The last lanes of a row overlap those before: laying a pixel twice is laying it once.
 template <class Word>
-UX_INLINE void lay_rows(const pixel_rows &screen, const const_pixel_rows &string, uint32_t columns,
-                        uint32_t rows) {
+inline __attribute__((always_inline)) void lay_rows(const pixel_rows &screen,
+                                                    const const_pixel_rows &string,
+                                                    uint32_t columns, uint32_t rows) {
     constexpr uint64_t k_step = 32;
     const uint64_t bytes = uint64_t{columns} * sizeof(Word);
     uint8_t *below = screen.first;

@@ -63,7 +63,7 @@ bool load(scaled_face &scaled, const glyph_request &request,
     const bool hinted = !matrix || only_moves(*matrix);
     const FT_Int32 flags =
         FT_LOAD_NO_BITMAP | (hinted ? FT_LOAD_TARGET_MONO : FT_Int32{FT_LOAD_NO_HINTING});
-    const FT_Face face = scaled.face;
+    FT_Face face = scaled.face;
     if (!set_scale(scaled, request.scale) || FT_Load_Glyph(face, request.outline, flags) != 0 ||
         face->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return false;
@@ -117,7 +117,7 @@ bool render_glyph(scaled_face &face, const glyph_request &request,
     std::memset(bits, 0, std::size_t{pitch_of(*cell)} * cell->height);
     if (cell->width == 0 || cell->height == 0)
         return true;
-    const FT_GlyphSlot slot = face.face->glyph;
+    FT_GlyphSlot slot = face.face->glyph;
     if (!load(face, request, matrix) || FT_Render_Glyph(slot, FT_RENDER_MODE_MONO) != 0)
         return false;
     const int shift =
