@@ -45,6 +45,7 @@ void register_convert();
 void register_decode();
 void register_scale();
 void register_text();
+void register_string();
 void register_page();
 
 #endif

@@ -29,6 +29,7 @@ int main(int argc, char **argv) {
     register_decode();
     register_scale();
     register_text();
+    register_string();
     register_page();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);

@@ -19,6 +19,7 @@ set(UX_SOURCES
     font/draw_string.cpp
     font/glyph_request.cpp
     font/string_buffer.cpp
+    font/string_overlay.cpp
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp

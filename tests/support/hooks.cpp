@@ -17,6 +17,7 @@ namespace {
 state s_state;
 std::atomic<long> s_allocations;
 std::atomic<long> s_fail_in; // allocations until the one that fails; 0 = none
+std::atomic<void *> s_last_block;
 
 bool allocation_fails() {
     s_allocations++;
@@ -49,6 +50,10 @@ long take_allocation_count() {
     return s_allocations.exchange(0);
 }
 
+void *last_block() {
+    return s_last_block;
+}
+
 } // namespace hooks
 
 using hooks::get;
@@ -74,7 +79,9 @@ int __real_ux_event_init() noexcept;
 int __real_ux_event_close() noexcept;
 
 void *__wrap_malloc(size_t bytes) {
-    return hooks::allocation_fails() ? nullptr : __real_malloc(bytes);
+    void *block = hooks::allocation_fails() ? nullptr : __real_malloc(bytes);
+    hooks::s_last_block = block;
+    return block;
 }
 
 void *__wrap_calloc(size_t count, size_t bytes) {

@@ -54,6 +54,9 @@ void fail_allocation(long n);
 // Allocations since the last call of this function or reset().
 long take_allocation_count();
 
+// What the latest malloc() gave: for blocks that the code under test keeps to itself.
+void *last_block();
+
 } // namespace hooks
 
 #endif
