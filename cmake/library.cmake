@@ -34,9 +34,11 @@ set(UX_SOURCES
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
     widgets/key_capture.cpp
+    widgets/multi_tap.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
     widgets/uxTextButton.cpp
+    widgets/uxTextField.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp
 )

@@ -140,12 +140,31 @@ typedef uint8_t *bytes;
     F(ux_text_button, int32_t, font_size)                                                          \
     F(ux_text_button, int32_t, style)
 
+#define FIELD_FIELDS(F)                                                                            \
+    F(ux_text_field, ux_obj, obj)                                                                  \
+    F(ux_text_field, text_field, text)                                                             \
+    F(ux_text_field, int32_t, mask_char)                                                           \
+    F(ux_text_field, int32_t, password)                                                            \
+    F(ux_text_field, int32_t, limit)                                                               \
+    F(ux_text_field, int32_t, font_size)                                                           \
+    F(ux_text_field, int32_t, style)                                                               \
+    F(ux_text_field, int32_t, input_type)                                                          \
+    F(ux_text_field, uint32_t, fg_color)                                                           \
+    F(ux_text_field, uint32_t, bg_color)                                                           \
+    F(ux_text_field, uint32_t, focus_fg_color)                                                     \
+    F(ux_text_field, uint32_t, focus_bg_color)                                                     \
+    F(ux_text_field, uint32_t, select_fg_color)                                                    \
+    F(ux_text_field, uint32_t, select_bg_color)                                                    \
+    F(ux_text_field, uint32_t, select_focus_fg_color)                                              \
+    F(ux_text_field, uint32_t, select_focus_bg_color)
+
 #define ALL_FIELDS(F)                                                                              \
     EVENT_FIELDS(F)                                                                                \
     OBJ_FIELDS(F)                                                                                  \
     CONTAINER_FIELDS(F)                                                                            \
     PAGE_FIELDS(F)                                                                                 \
-    SCREEN_FIELDS(F) TIMEOUT_FIELDS(F) ATIMER_FIELDS(F) LABEL_FIELDS(F) BUTTON_FIELDS(F)
+    SCREEN_FIELDS(F)                                                                               \
+    TIMEOUT_FIELDS(F) ATIMER_FIELDS(F) LABEL_FIELDS(F) BUTTON_FIELDS(F) FIELD_FIELDS(F)
 
 /* The compiler refuses the initialisation when a field has another type than the table says. */
 #define HAS_TYPE(record, type, field)                                                              \
@@ -182,10 +201,13 @@ static_assert(AT_64(ux_page, key_handlers, 472), "behind the container");
 static_assert(AT_64(ux_text_label, text, 192), "text follows the header");
 static_assert(AT_64(ux_text_label, fg_color, 448), "text takes 256 bytes");
 static_assert(AT_64(ux_text_button, style, 484), "nine words behind the text");
+static_assert(AT_64(ux_text_field, mask_char, 448), "right behind the 256 bytes of text");
+static_assert(AT_64(ux_text_field, fg_color, 472), "six words behind the text");
 static_assert(offsetof(ux_container, obj) == 0, "base first");
 static_assert(offsetof(ux_page, container) == 0, "base first");
 static_assert(offsetof(ux_text_label, obj) == 0, "base first");
 static_assert(offsetof(ux_text_button, obj) == 0, "base first");
+static_assert(offsetof(ux_text_field, obj) == 0, "base first");
 
 static size_t round_up(size_t value, size_t alignment) {
     return (value + alignment - 1) / alignment * alignment;
