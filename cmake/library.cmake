@@ -16,6 +16,9 @@ set(UX_SOURCES
     event/uxEvent.cpp
     event/uxEvent_em862x.cpp
     event/uxTimer.cpp
+    font/draw_string.cpp
+    font/glyph_request.cpp
+    font/string_buffer.cpp
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp

@@ -17,3 +17,16 @@ int ux_open_font() noexcept {
 int ux_close_font() noexcept {
     return ux_close_font_em862x();
 }
+
+int ux_get_char_size(uint32_t ch, int size, uint32_t *w, uint32_t *h) noexcept {
+    return ux_get_char_size_em862x(ch, size, w, h);
+}
+
+int ux_get_string_size(const char *str, int size, uint32_t *w, uint32_t *h) noexcept {
+    return ux_get_string_size_em862x(str, size, w, h);
+}
+
+void *ux_get_string_buffer(const char *str, int size, uint32_t fg, uint32_t bg, uint32_t bpp,
+                           uint32_t *w, uint32_t *h) noexcept {
+    return ux_get_string_buffer_em862x(str, size, fg, bg, bpp, w, h);
+}

@@ -1,23 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The font on the chip's graphics engine: opening and closing of the engine and of the one font.
+// The font on the chip's graphics engine: opening and closing of the engine and of the one font,
+// and what callers ask of it.
 
-#include "platform/em862x.h"
+#include "font/engine_font.h"
+#include "font/string_buffer.h"
 #include "ux.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace ux {
-
-// How the engine is opened, as it is sent.
-struct engine_profile {
-    uint32_t request;      // always 10
-    uint32_t flag;         // always 1
-    uint32_t area_address; // DRAM area A, 0 = none
-    uint32_t area_bytes;
-    uint32_t second_address; // DRAM area B, 0 = none
-    uint32_t second_bytes;
-};
 
 rua_instance *pRUA;
 rmtt_font *rmfont;
@@ -30,9 +22,6 @@ constexpr const char *k_font_path = "/orbo/SDK/Vera.ttf";
 constexpr uint32_t k_engine_category = 0x20;
 constexpr uint32_t k_enumerator_module = 1;
 constexpr uint32_t k_request_open = 10;
-constexpr uint32_t k_uncached_dram = 57;
-constexpr uint32_t k_first_code = 32;
-constexpr uint32_t k_last_code = 126;
 
 enum property : uint32_t {
     k_property_engine_count = 1,
@@ -106,6 +95,20 @@ void open_file() {
     RMFreeNonAscii(path);
 }
 
+// A missing text is an empty one.
+const char *text_or_empty(const char *text) {
+    return text ? text : "";
+}
+
+bool is_pixel_width(uint32_t bytes) {
+    return bytes == sizeof(uint32_t) || bytes == sizeof(uint16_t) || bytes == sizeof(uint8_t);
+}
+
+void tell(const glyph_cell &extent, uint32_t *w, uint32_t *h) {
+    *w = extent.width;
+    *h = extent.height;
+}
+
 } // namespace
 } // namespace ux
 
@@ -129,4 +132,31 @@ int ux_close_font_em862x() noexcept {
     ux::free_area(ux::profile.second_address);
     ux::profile = {};
     return 0;
+}
+
+int ux_get_char_size_em862x(uint32_t ch, int size, uint32_t *w, uint32_t *h) noexcept {
+    ux::glyph_cell cell = {};
+    if (!ux::measure_character(ch, size, cell))
+        return -1;
+    ux::tell(cell, w, h);
+    return 0;
+}
+
+int ux_get_string_size_em862x(const char *str, int size, uint32_t *w, uint32_t *h) noexcept {
+    ux::glyph_cell extent = {};
+    if (!ux::measure_text(ux::text_or_empty(str), size, extent))
+        return -1;
+    ux::tell(extent, w, h);
+    return 0;
+}
+
+void *ux_get_string_buffer_em862x(const char *str, int size, uint32_t fg, uint32_t bg, uint32_t bpp,
+                                  uint32_t *w, uint32_t *h) noexcept {
+    if (!ux::is_pixel_width(bpp))
+        return nullptr;
+    ux::glyph_cell extent = {};
+    void *block = ux::render_text(ux::text_or_empty(str), {size, fg, bg, bpp}, extent);
+    if (block)
+        ux::tell(extent, w, h);
+    return block;
 }

@@ -674,12 +674,54 @@ UX_API int ux_open_font(void) UX_NOEXCEPT;
 /* Closes the font. Called by ux_system_close(). Returns 0. */
 UX_API int ux_close_font(void) UX_NOEXCEPT;
 
+/* Measures the cell of character code `ch` at `size` pixels: *w and *h receive its width and height
+ * in pixels. The width is the advance. Codes outside 32..126 are measured as '?'. Returns 0, or -1
+ * with a message on standard output when the font or the engine cannot tell; then *w and *h are
+ * untouched. */
+UX_API int ux_get_char_size(uint32_t ch, int size, uint32_t *w, uint32_t *h) UX_NOEXCEPT;
+
+/* Measures zero-terminated 8-bit text, each byte a character: *w receives the sum of the cell
+ * widths, *h the largest cell height, both 0 for an empty or null text. Returns as
+ * ux_get_char_size(). */
+UX_API int ux_get_string_size(const char *str, int size, uint32_t *w, uint32_t *h) UX_NOEXCEPT;
+
+/* Renders zero-terminated 8-bit text at `size` pixels into a new block of *w x *h pixels, rows top
+ * first and packed, each pixel `bpp` bytes (1, 2 or 4). A pixel is `fg` for ink and `bg` for the
+ * rest of a cell, both cut to the pixel's width, and 0 below a cell that is less high than the
+ * block. Returns the block, which the caller releases with free(); null on failure, with a message
+ * on standard output unless `bpp` is none of the three. Then *w and *h are untouched. */
+UX_API void *ux_get_string_buffer(const char *str, int size, uint32_t fg, uint32_t bg, uint32_t bpp,
+                                  uint32_t *w, uint32_t *h) UX_NOEXCEPT;
+
+/* Draws zero-terminated 8-bit text into `buf` in the box (x, y, w, h). `size` is in pixels; 0
+ * stands for the largest size whose space is not higher than h. `fg` and `bg` are pixels of the
+ * screen as they are; value 0 is transparent. `bg` fills the cells of the text, not the box.
+ *
+ * `align` is a column, 0 left, 1 centre, 2 right, plus 3 times a row, 0 top, 1 middle, 2 bottom;
+ * anything else is left and top. A text that is larger than the box is cropped on the other side,
+ * on both when centred. What lies beyond the right and the bottom edge of the screen is cut; a row
+ * that would start left of the screen is not drawn, and nothing is when the text would start above
+ * it. Returns 0, or -1 when the text cannot be measured or rendered. */
+UX_API int ux_draw_string(const char *text, int size, uint32_t fg, uint32_t bg, int x, int y, int w,
+                          int h, int align) UX_NOEXCEPT;
+
 /* The renderer behind ux_open_font(). `path` is ignored: the font is /orbo/SDK/Vera.ttf. Returns 0.
  */
 UX_API int ux_open_font_em862x(const char *path) UX_NOEXCEPT;
 
 /* The renderer behind ux_close_font(). Returns 0. */
 UX_API int ux_close_font_em862x(void) UX_NOEXCEPT;
+
+/* The renderer behind ux_get_char_size(). */
+UX_API int ux_get_char_size_em862x(uint32_t ch, int size, uint32_t *w, uint32_t *h) UX_NOEXCEPT;
+
+/* The renderer behind ux_get_string_size(). */
+UX_API int ux_get_string_size_em862x(const char *str, int size, uint32_t *w,
+                                     uint32_t *h) UX_NOEXCEPT;
+
+/* The renderer behind ux_get_string_buffer(). */
+UX_API void *ux_get_string_buffer_em862x(const char *str, int size, uint32_t fg, uint32_t bg,
+                                         uint32_t bpp, uint32_t *w, uint32_t *h) UX_NOEXCEPT;
 
 /* Decodes UTF-8 into pairs of words, (code >> 8, code), for the engine's use. `out` is the caller's
  * zeroed array of 4,096 words; decoding stops when it is full. Bytes that cannot start a character

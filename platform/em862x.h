@@ -69,6 +69,18 @@ uint32_t RUAMalloc(rua_instance *instance, uint32_t controller, uint32_t kind, u
 /* Releases what RUAMalloc gave. */
 void RUAFree(rua_instance *instance, uint32_t address);
 
+/* Gains CPU access to `size` bytes of DRAM. EM862X_SUCCESS or another value. */
+int RUALock(rua_instance *instance, uint32_t address, uint32_t size);
+
+/* Gives up what RUALock gained, with the same arguments. EM862X_SUCCESS or another value. */
+int RUAUnLock(rua_instance *instance, uint32_t address, uint32_t size);
+
+/* Maps a locked range of DRAM into the process; null on failure. */
+uint8_t *RUAMap(rua_instance *instance, uint32_t address, uint32_t size);
+
+/* Ends a mapping. `pointer` is where RUAMap put it, or the end of it: that plus `size`. */
+void RUAUnMap(rua_instance *instance, uint8_t *pointer, uint32_t size);
+
 /* --- RMTT: TrueType fonts --------------------------------------------------------------------- */
 
 /* The SDK's own form of a path string. */
@@ -97,6 +109,25 @@ int RMTTOpenFont(rua_instance *instance, rmtt_font **font, const rm_non_ascii *p
 
 /* Closes an open font; null is refused. */
 int RMTTCloseFont(rua_instance *instance, rmtt_font *font);
+
+/*
+ * Metrics of one character: 16-bit values in font units, of which 0 and 4 are passed on to the
+ * engine. They stay valid while the font is open. Null when the font does not know the character.
+ */
+const int16_t *RMTTGetGlyphMetrics(rmtt_font *font, uint32_t code);
+
+/* Number of outlines that make up a character; 0 for one without ink, such as the space. */
+uint32_t RMTTGetCompoundCount(rmtt_font *font, uint32_t code);
+
+/*
+ * Six 16-bit values that place outline `part` of a character: xx, xy, yx, yy as 2.14 fixed point,
+ * then x and y in font units. Null when the outline is drawn as it is.
+ */
+const int16_t *RMTTGetScaleMatrix(rmtt_font *font, uint32_t code, uint32_t part);
+
+/* The two words by which the engine finds outline `part` of a character. */
+void RMTTGetGlyphPointer(rmtt_font *font, uint32_t code, uint32_t part, uint32_t *word_a,
+                         uint32_t *word_b);
 
 /* --- Files ------------------------------------------------------------------------------------ */
 

@@ -55,6 +55,11 @@ bool dram::release(std::uint32_t address) noexcept {
     return blocks_.erase(address) != 0;
 }
 
+std::uint32_t dram::size_of(std::uint32_t address) const noexcept {
+    const auto block = blocks_.find(address);
+    return block != blocks_.end() ? block->second : 0;
+}
+
 std::byte *dram::resolve(std::uint32_t address, std::uint32_t size) noexcept {
     auto above = blocks_.upper_bound(address);
     if (above == blocks_.begin())

@@ -37,6 +37,9 @@ class dram {
     /* Host memory of [address, address + size); null unless all of it lies in one live block. */
     std::byte *resolve(std::uint32_t address, std::uint32_t size) noexcept;
 
+    /* Size of the block that starts at `address`; 0 when there is none. */
+    std::uint32_t size_of(std::uint32_t address) const noexcept;
+
     std::size_t live_blocks() const noexcept { return blocks_.size(); }
 
   private:

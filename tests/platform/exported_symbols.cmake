@@ -11,13 +11,21 @@ set(expected
     RMOpenFileCookie
     RMReadFile
     RMTTCloseFont
+    RMTTGetCompoundCount
+    RMTTGetGlyphMetrics
+    RMTTGetGlyphPointer
+    RMTTGetScaleMatrix
     RMTTOpenFont
     RMnonAsciiFromAscii
     RUACreateInstance
     RUAExchangeProperty
     RUAFree
+    RUALock
     RUAMalloc
+    RUAMap
     RUASetProperty
+    RUAUnLock
+    RUAUnMap
     fetchClose
     fetchOpen
     httpFileOps

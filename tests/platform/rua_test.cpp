@@ -187,8 +187,13 @@ TEST_F(rua_test, memory_runs_out_and_comes_back) {
 TEST_F(rua_test, only_uncached_memory_of_controller_0_exists) {
     EXPECT_EQ(RUAMalloc(rua, 1, 57, 64), 0u);
     EXPECT_EQ(RUAMalloc(rua, 0, 0, 64), 0u);
-    EXPECT_EQ(RUAMalloc(rua, 0, 57, 0), 0u);
     EXPECT_NE(RUAMalloc(rua, 0, 57, 64), 0u);
+}
+
+TEST_F(rua_test, a_block_of_no_bytes_has_an_address_of_its_own) {
+    const std::uint32_t first = RUAMalloc(rua, 0, 57, 0);
+    EXPECT_NE(first, 0u);
+    EXPECT_NE(RUAMalloc(rua, 0, 57, 0), first);
 }
 
 TEST_F(rua_test, a_foreign_instance_is_refused) {

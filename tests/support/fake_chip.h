@@ -6,7 +6,11 @@
 
 #include "platform/em862x.h"
 
+#include <array>
+#include <deque>
+#include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +23,26 @@ struct glyph {
     int top = 0;
     int advance = 0;
     std::vector<std::string> rows;
+};
+
+// The size of a glyph's cell, as the engine measures it.
+struct cell {
+    uint32_t width, height;
+};
+
+// One outline of a character: how it is placed, how it is found, and the bits it leaves in the
+// scratch memory, drawn as text.
+struct outline {
+    std::vector<std::string> rows;
+    std::vector<int16_t> matrix = {}; // six values; empty = none
+    uint32_t word_a = 0;
+    uint32_t word_b = 0;
+};
+
+// What the font knows about one character.
+struct engine_glyph {
+    std::vector<outline> outlines = {};
+    std::array<int16_t, 5> metrics = {};
 };
 
 struct state {
@@ -45,6 +69,22 @@ struct state {
     int close_file_result = EM862X_SUCCESS;       // RMCloseFile
     long fail_read_after = -1;      // RMReadFile calls that still work; -1 = all of them
     rmtt_mapping last_mapping = {}; // of the last RMTTOpenFont
+
+    // The engine's glyphs. A code that is not here has no outline and metrics of 0.
+    rmtt_font font = {{11, 22, 2048}};              // what RMTTOpenFont gives
+    std::map<uint32_t, engine_glyph> engine_glyphs; // by character code
+    std::set<uint32_t> unknown_codes;               // codes without metrics
+    // The cell of a code at the scale of the request; null: half as wide as high, and as high as
+    // the pixel size. The code is that of the last RMTTGetGlyphMetrics.
+    std::function<cell(uint32_t code, uint32_t scale)> cell_of;
+    // Results of calls to come, in order, by "4331", "4332", "4334", "RUALock", "RUAMap",
+    // "RUAMalloc" or "RUAUnLock"; without any left a call succeeds. What gives an address gives
+    // none instead of any result but success.
+    std::map<std::string, std::deque<int>> results;
+    std::vector<uint8_t> scratch; // what RUAMap gives: the bits of the last outline rendered
+    uint32_t measured_code = 0;   // of the last RMTTGetGlyphMetrics
+    outline pointed;              // of the last RMTTGetGlyphPointer
+    cell measured = {};           // the last answer of property 4334
 };
 
 state &get();
