@@ -38,8 +38,12 @@ set(UX_SOURCES
     graphics/yuv.cpp
     widgets/key_capture.cpp
     widgets/multi_tap.cpp
+    widgets/sign.cpp
+    widgets/uxButtonList.cpp
+    widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextField.cpp
     widgets/uxTextLabel.cpp

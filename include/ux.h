@@ -73,6 +73,9 @@ extern "C" {
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
 #define UX_TYPE_TEXT_FIELD 0x0000000Eu   /* ux_text_field */
+#define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
+#define UX_TYPE_CHECK_BOX 0x00000028u    /* ux_check_box */
+#define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
 /* Behaviour bits (ux_obj.flags), chosen by the widget or the host. */
 enum {
@@ -1099,6 +1102,256 @@ UX_API int ux_text_field_shift_char(ux_event *ev) UX_NOEXCEPT;
 /* Timeout callback that finishes the character in progress: the next key starts a new one. `ev` is
  * not used. Returns 0. */
 UX_API int ux_text_field_waitkeytimeout(ux_event *ev) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Check box                                                                                      */
+/* ============================================================================================== */
+
+/* A square mark, filled when checked, with a caption beside it. It takes the focus but no keys: the
+ * host writes `checked` and shows the box. No border is painted. Over a normal background that is
+ * not 0 the whole box is filled with the text colour, so that mark and caption do not show. Size of
+ * the text as told for the label. */
+typedef struct ux_check_box {
+    ux_obj obj;                   /* the header */
+    char16_t text[UX_TEXT_UNITS]; /* the caption, ended by a zero unit */
+    int32_t font_size;            /* pixels; default 16 */
+    int32_t checked;              /* the host's to write: not 0 = checked; default 0 */
+    uint32_t fg_color;            /* mark and caption, normal; the host's to write; default grey */
+    uint32_t bg_color;            /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;      /* mark and caption, focused; default grey */
+    uint32_t focus_bg_color;      /* background, focused; default black */
+} ux_check_box;
+
+/* Makes an unchecked box with a copy of `text` (null = empty; more than 127 units are cut in the
+ * middle of the 128th and not drawn) and links it into `parent`, which may be null. The mark is as
+ * wide as the box is high. Returns null when out of memory. */
+UX_API ux_check_box *ux_check_box_new(ux_container *parent, int x, int y, int w, int h,
+                                      const char16_t *text) UX_NOEXCEPT;
+
+/* Marks the box visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_check_box_show(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box hidden; its pixels stay. Returns 0. */
+UX_API int ux_check_box_hide(ux_obj *box) UX_NOEXCEPT;
+
+/* Shows a visible box, hides a hidden one. Returns 0. */
+UX_API int ux_check_box_repaint(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box focused and makes it the page's focus object; paints nothing. Returns 0. */
+UX_API int ux_check_box_set_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Takes the focused mark away; paints nothing. Returns 0. */
+UX_API int ux_check_box_unset_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Slider bar                                                                                     */
+/* ============================================================================================== */
+
+/* A thumb on a track between a "<" and a ">" sign: chooses a number. While it has the focus, the
+ * left and right keys move the thumb by a step. The track takes what the signs leave; the border
+ * runs around the track. Size of the text as told for the label; the room of the signs is that of
+ * the largest "<" of the graphics engine's font that is not higher than the bar. */
+typedef struct ux_slider_bar ux_slider_bar;
+
+/* What a slider tells a host after a move by key: the new position. The result is ignored. The
+ * slider may be deleted in it. */
+typedef int (*ux_slider_bar_handler)(ux_slider_bar *slider, int position);
+
+struct ux_slider_bar {
+    ux_obj obj;              /* the header */
+    int32_t font_size;       /* pixels; default 16 */
+    int32_t position;        /* the number chosen; default 0 */
+    int32_t minimum;         /* the smallest; default 0 */
+    int32_t maximum;         /* the largest; default 100 */
+    int32_t step;            /* change per key press; default 10 */
+    int32_t show_numbers;    /* the host's to write: not 0 = the bar takes the upper half
+                                of the height, minimum, maximum and position are painted
+                                below, one over the other; default 0 */
+    uint32_t bar_color;      /* track; the host's to write; default orange */
+    uint32_t thumb_color;    /* thumb; the host's to write; default blue */
+    uint32_t fg_color;       /* signs and numbers, normal; default grey */
+    uint32_t bg_color;       /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color; /* signs and numbers, focused; default grey */
+    uint32_t focus_bg_color; /* background, focused; default black */
+    ux_slider_bar_handler change_handler; /* of moves by key; the host's to write; or null */
+};
+
+/* Makes a slider from 0 to 100 and links it into `parent`, which may be null. Returns null when out
+ * of memory. */
+UX_API ux_slider_bar *ux_slider_bar_new(ux_container *parent, int x, int y, int w,
+                                        int h) UX_NOEXCEPT;
+
+/* Fills a record of the host's and links it into `parent`. A record that is not from malloc() must
+ * not be freed through its `free` slot. Returns 0. */
+UX_API int ux_slider_bar_init(ux_container *parent, ux_slider_bar *slider, int x, int y, int w,
+                              int h) UX_NOEXCEPT;
+
+/* Stores the range and moves the position into it. The change handler is not called. Returns 0, or
+ * -1 when `max` is not above `min`; then nothing is stored. */
+UX_API int ux_slider_bar_set_minmax(ux_slider_bar *slider, int min, int max) UX_NOEXCEPT;
+
+/* Stores the position. The change handler is not called. Returns 0, or -1 when it is out of range.
+ */
+UX_API int ux_slider_bar_set_pos(ux_slider_bar *slider, int position) UX_NOEXCEPT;
+
+/* Stores the change per key press. The right key stops at the maximum only and the left key at the
+ * minimum only, so that a negative step leaves the range at the other end. Returns 0. */
+UX_API int ux_slider_bar_set_step(ux_slider_bar *slider, int step) UX_NOEXCEPT;
+
+/* Stores the colours of signs and numbers, normal and focused. Returns 0. */
+UX_API int ux_slider_bar_set_fg_color(ux_slider_bar *slider, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds, normal and focused. Returns 0. */
+UX_API int ux_slider_bar_set_bg_color(ux_slider_bar *slider, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_slider_bar_set_border(ux_slider_bar *slider, int n) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the slider. Returns 0. */
+UX_API int ux_slider_bar_set_size(ux_slider_bar *slider, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the slider visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_slider_bar_show(ux_obj *slider) UX_NOEXCEPT;
+
+/* Marks the slider hidden; its pixels stay. Returns 0. */
+UX_API int ux_slider_bar_hide(ux_obj *slider) UX_NOEXCEPT;
+
+/* Shows a visible slider, hides a hidden one. Returns 0. */
+UX_API int ux_slider_bar_repaint(ux_obj *slider) UX_NOEXCEPT;
+
+/* Marks the slider focused, makes it the page's focus object and takes over the page's left and
+ * right keys; paints nothing. All sliders share one copy of the handlers replaced: take the focus
+ * from one before another gets it. Returns 0. */
+UX_API int ux_slider_bar_set_focus(ux_obj *slider) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the keys back; paints nothing. A key that had no handler
+ * keeps the slider's, which ignores other objects. Returns 0. */
+UX_API int ux_slider_bar_unset_focus(ux_obj *slider) UX_NOEXCEPT;
+
+/* Key handlers of a page: move the slider that is the event's object by a step, show it if visible
+ * and call its change handler. At the end of the range, and for other objects, nothing happens.
+ * Return 0. */
+UX_API int ux_slider_bar_key_left(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_slider_bar_key_right(ux_event *ev) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Button list                                                                                    */
+/* ============================================================================================== */
+
+/* A vertical menu: a container without background and border that holds a fixed number of text
+ * buttons, one of them current. While the list has the focus the up and down keys move the current
+ * button over the hidden ones and OK reports it. With n buttons and a gap of g pixels, each is
+ * H = (height - 6 * n - (n - 1) * g) / n pixels high, rounded toward 0; button i stands at
+ * (x + 3, y + 3 + i * (g + 6 + H)), width - 6 pixels wide, rounded down to an even number.
+ *
+ * The key handlers of a page that the list replaces are not put back. The list owns its buttons:
+ * they must not be deleted one by one. */
+typedef struct ux_button_list ux_button_list;
+
+/* What a list tells a host: which button. The result is ignored. The list may be deleted in it. */
+typedef int (*ux_button_list_handler)(ux_button_list *list, int index);
+
+struct ux_button_list {
+    ux_container container;                /* the container it extends */
+    int32_t gap;                           /* pixels between two buttons */
+    int32_t item_count;                    /* number of buttons; below 1 there are none */
+    ux_text_button **items;                /* the buttons from the top; null when there are none */
+    uint32_t *values;                      /* the host's word for each button; at first 0 */
+    int32_t current;                       /* index of the current button; at first 0 */
+    ux_button_list_handler focus_handler;  /* after a move by key: the new current button */
+    ux_button_list_handler select_handler; /* on OK: the current button */
+    ux_button_list_handler up_handler;     /* after a move up: the same; at the upper end: -1 */
+    ux_button_list_handler down_handler;   /* after a move down: the same; at the end: item_count */
+};
+
+/* Makes a list of `count` hidden buttons without text, white, orange behind the focused one, and
+ * links it into `parent`, which may be null. Returns null when out of memory. */
+UX_API ux_button_list *ux_button_list_new(ux_container *parent, int x, int y, int w, int h,
+                                          int count, int gap) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the list and, in the new layout, of its buttons. Returns 0. */
+UX_API int ux_button_list_set_size(ux_button_list *list, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Stores the text of a button and shows the button at once, or hides it when the text is null or
+ * empty. An index that no button has is ignored, here and below. Returns 0. */
+UX_API int ux_button_list_set_text(ux_button_list *list, int index,
+                                   const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the host's word for a button. Returns 0. */
+UX_API int ux_button_list_set_value(ux_button_list *list, int index, uint32_t value) UX_NOEXCEPT;
+
+/* Stores the text colours of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_fg_color(ux_button_list *list, uint32_t normal,
+                                            uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_bg_color(ux_button_list *list, uint32_t normal,
+                                            uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the border colours of all buttons, normal and focused. Returns 0. */
+UX_API int ux_button_list_set_item_border_color(ux_button_list *list, uint32_t normal,
+                                                uint32_t focus) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_button_list_set_item_font(ux_button_list *list, ...) UX_NOEXCEPT;
+
+/* Stores the border width of all buttons in pixels. Returns 0. */
+UX_API int ux_button_list_set_item_border(ux_button_list *list, int n) UX_NOEXCEPT;
+
+/* Stores the handler that hears of moves by key, null for none. Returns 0. */
+UX_API int ux_button_list_set_focus_handler(ux_button_list *list,
+                                            ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Stores the handler that hears of OK, null for none. Returns 0. */
+UX_API int ux_button_list_set_select_handler(ux_button_list *list,
+                                             ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Stores the handler that hears, after the focus handler, of moves up, and of the key at the upper
+ * end; null for none. Returns 0. */
+UX_API int ux_button_list_set_up_handler(ux_button_list *list,
+                                         ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* The same for moves down and the lower end. Returns 0. */
+UX_API int ux_button_list_set_down_handler(ux_button_list *list,
+                                           ux_button_list_handler handler) UX_NOEXCEPT;
+
+/* Makes a button the current one: takes the focus from the old one, gives it to the new one, paints
+ * both when the list is visible, and makes the list its page's focus object. No handler is called.
+ * Returns 0. */
+UX_API int ux_button_list_move_to_target(ux_button_list *list, int index) UX_NOEXCEPT;
+
+/* ux_button_list_move_to_target(). */
+UX_API int ux_button_list_set_item_focus(ux_button_list *list, int index) UX_NOEXCEPT;
+
+/* Key handlers of a page: move to the next visible button above or below the current one, or tell
+ * the up or down handler that there is none; call the select handler. The list is the event's
+ * object. Return 0, or -1 when that is null or no button list. */
+UX_API int ux_button_list_event_move_up(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_button_list_event_move_down(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_button_list_event_press_ok(ux_event *ev) UX_NOEXCEPT;
+
+/* Marks the list and its current button focused, installs the three key handlers and makes the list
+ * its page's focus object. A list without a parent prints a warning on standard error and installs
+ * nothing. Returns 0. */
+UX_API int ux_button_list_set_focus(ux_obj *list) UX_NOEXCEPT;
+
+/* Takes the focused mark from the list and its current button and leaves the page without a focus
+ * object. The key handlers stay. Not a slot of the list: call it by name. Returns 0. */
+UX_API int ux_button_list_unset_focus(ux_obj *list) UX_NOEXCEPT;
+
+/* Marks the list visible and paints its visible buttons. Returns 0. */
+UX_API int ux_button_list_show(ux_obj *list) UX_NOEXCEPT;
+
+/* Marks the list hidden; its pixels stay. Returns 0. */
+UX_API int ux_button_list_hide(ux_obj *list) UX_NOEXCEPT;
+
+/* Shows a visible list, hides a hidden one. Returns 0. */
+UX_API int ux_button_list_repaint(ux_obj *list) UX_NOEXCEPT;
+
+/* Releases the list and its buttons. Does not unlink it. Returns 0. */
+UX_API int ux_button_list_free(ux_obj *list) UX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

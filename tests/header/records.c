@@ -24,6 +24,10 @@ typedef ux_atimer *atimer_link;
 typedef ux_obj *obj_link;
 typedef void *pointer;
 typedef uint8_t *bytes;
+typedef ux_text_button **button_array;
+typedef uint32_t *word_array;
+typedef int (*slider_handler)(ux_slider_bar *, int);
+typedef int (*list_handler)(ux_button_list *, int);
 
 #define EVENT_FIELDS(F)                                                                            \
     F(ux_event, int32_t, type)                                                                     \
@@ -157,6 +161,43 @@ typedef uint8_t *bytes;
     F(ux_text_field, uint32_t, select_bg_color)                                                    \
     F(ux_text_field, uint32_t, select_focus_fg_color)                                              \
     F(ux_text_field, uint32_t, select_focus_bg_color)
+#define CHECK_BOX_FIELDS(F)                                                                        \
+    F(ux_check_box, ux_obj, obj)                                                                   \
+    F(ux_check_box, text_field, text)                                                              \
+    F(ux_check_box, int32_t, font_size)                                                            \
+    F(ux_check_box, int32_t, checked)                                                              \
+    F(ux_check_box, uint32_t, fg_color)                                                            \
+    F(ux_check_box, uint32_t, bg_color)                                                            \
+    F(ux_check_box, uint32_t, focus_fg_color)                                                      \
+    F(ux_check_box, uint32_t, focus_bg_color)
+
+#define SLIDER_FIELDS(F)                                                                           \
+    F(ux_slider_bar, ux_obj, obj)                                                                  \
+    F(ux_slider_bar, int32_t, font_size)                                                           \
+    F(ux_slider_bar, int32_t, position)                                                            \
+    F(ux_slider_bar, int32_t, minimum)                                                             \
+    F(ux_slider_bar, int32_t, maximum)                                                             \
+    F(ux_slider_bar, int32_t, step)                                                                \
+    F(ux_slider_bar, int32_t, show_numbers)                                                        \
+    F(ux_slider_bar, uint32_t, bar_color)                                                          \
+    F(ux_slider_bar, uint32_t, thumb_color)                                                        \
+    F(ux_slider_bar, uint32_t, fg_color)                                                           \
+    F(ux_slider_bar, uint32_t, bg_color)                                                           \
+    F(ux_slider_bar, uint32_t, focus_fg_color)                                                     \
+    F(ux_slider_bar, uint32_t, focus_bg_color)                                                     \
+    F(ux_slider_bar, slider_handler, change_handler)
+
+#define LIST_FIELDS(F)                                                                             \
+    F(ux_button_list, ux_container, container)                                                     \
+    F(ux_button_list, int32_t, gap)                                                                \
+    F(ux_button_list, int32_t, item_count)                                                         \
+    F(ux_button_list, button_array, items)                                                         \
+    F(ux_button_list, word_array, values)                                                          \
+    F(ux_button_list, int32_t, current)                                                            \
+    F(ux_button_list, list_handler, focus_handler)                                                 \
+    F(ux_button_list, list_handler, select_handler)                                                \
+    F(ux_button_list, list_handler, up_handler)                                                    \
+    F(ux_button_list, list_handler, down_handler)
 
 #define ALL_FIELDS(F)                                                                              \
     EVENT_FIELDS(F)                                                                                \
@@ -164,7 +205,14 @@ typedef uint8_t *bytes;
     CONTAINER_FIELDS(F)                                                                            \
     PAGE_FIELDS(F)                                                                                 \
     SCREEN_FIELDS(F)                                                                               \
-    TIMEOUT_FIELDS(F) ATIMER_FIELDS(F) LABEL_FIELDS(F) BUTTON_FIELDS(F) FIELD_FIELDS(F)
+    TIMEOUT_FIELDS(F)                                                                              \
+    ATIMER_FIELDS(F)                                                                               \
+    LABEL_FIELDS(F)                                                                                \
+    BUTTON_FIELDS(F)                                                                               \
+    FIELD_FIELDS(F)                                                                                \
+    CHECK_BOX_FIELDS(F)                                                                            \
+    SLIDER_FIELDS(F)                                                                               \
+    LIST_FIELDS(F)
 
 /* The compiler refuses the initialisation when a field has another type than the table says. */
 #define HAS_TYPE(record, type, field)                                                              \
@@ -203,11 +251,18 @@ static_assert(AT_64(ux_text_label, fg_color, 448), "text takes 256 bytes");
 static_assert(AT_64(ux_text_button, style, 484), "nine words behind the text");
 static_assert(AT_64(ux_text_field, mask_char, 448), "right behind the 256 bytes of text");
 static_assert(AT_64(ux_text_field, fg_color, 472), "six words behind the text");
+static_assert(AT_64(ux_check_box, checked, 452), "text and one word behind the header");
+static_assert(AT_64(ux_slider_bar, change_handler, 240), "twelve words behind the header");
+static_assert(AT_64(ux_button_list, gap, 472), "behind the container");
+static_assert(AT_64(ux_button_list, down_handler, 528), "2 words, 2 pointers, 1 word, 3 pointers");
 static_assert(offsetof(ux_container, obj) == 0, "base first");
 static_assert(offsetof(ux_page, container) == 0, "base first");
 static_assert(offsetof(ux_text_label, obj) == 0, "base first");
 static_assert(offsetof(ux_text_button, obj) == 0, "base first");
 static_assert(offsetof(ux_text_field, obj) == 0, "base first");
+static_assert(offsetof(ux_check_box, obj) == 0, "base first");
+static_assert(offsetof(ux_slider_bar, obj) == 0, "base first");
+static_assert(offsetof(ux_button_list, container) == 0, "base first");
 
 static size_t round_up(size_t value, size_t alignment) {
     return (value + alignment - 1) / alignment * alignment;
