@@ -144,6 +144,23 @@ typedef int (*list_handler)(ux_button_list *, int);
     F(ux_text_button, int32_t, font_size)                                                          \
     F(ux_text_button, int32_t, style)
 
+#define FIELD_FIELDS(F)                                                                            \
+    F(ux_text_field, ux_obj, obj)                                                                  \
+    F(ux_text_field, text_field, text)                                                             \
+    F(ux_text_field, int32_t, mask_char)                                                           \
+    F(ux_text_field, int32_t, password)                                                            \
+    F(ux_text_field, int32_t, limit)                                                               \
+    F(ux_text_field, int32_t, font_size)                                                           \
+    F(ux_text_field, int32_t, style)                                                               \
+    F(ux_text_field, int32_t, input_type)                                                          \
+    F(ux_text_field, uint32_t, fg_color)                                                           \
+    F(ux_text_field, uint32_t, bg_color)                                                           \
+    F(ux_text_field, uint32_t, focus_fg_color)                                                     \
+    F(ux_text_field, uint32_t, focus_bg_color)                                                     \
+    F(ux_text_field, uint32_t, select_fg_color)                                                    \
+    F(ux_text_field, uint32_t, select_bg_color)                                                    \
+    F(ux_text_field, uint32_t, select_focus_fg_color)                                              \
+    F(ux_text_field, uint32_t, select_focus_bg_color)
 #define CHECK_BOX_FIELDS(F)                                                                        \
     F(ux_check_box, ux_obj, obj)                                                                   \
     F(ux_check_box, text_field, text)                                                              \
@@ -192,6 +209,7 @@ typedef int (*list_handler)(ux_button_list *, int);
     ATIMER_FIELDS(F)                                                                               \
     LABEL_FIELDS(F)                                                                                \
     BUTTON_FIELDS(F)                                                                               \
+    FIELD_FIELDS(F)                                                                                \
     CHECK_BOX_FIELDS(F)                                                                            \
     SLIDER_FIELDS(F)                                                                               \
     LIST_FIELDS(F)
@@ -231,6 +249,8 @@ static_assert(AT_64(ux_page, key_handlers, 472), "behind the container");
 static_assert(AT_64(ux_text_label, text, 192), "text follows the header");
 static_assert(AT_64(ux_text_label, fg_color, 448), "text takes 256 bytes");
 static_assert(AT_64(ux_text_button, style, 484), "nine words behind the text");
+static_assert(AT_64(ux_text_field, mask_char, 448), "right behind the 256 bytes of text");
+static_assert(AT_64(ux_text_field, fg_color, 472), "six words behind the text");
 static_assert(AT_64(ux_check_box, checked, 452), "text and one word behind the header");
 static_assert(AT_64(ux_slider_bar, change_handler, 240), "twelve words behind the header");
 static_assert(AT_64(ux_button_list, gap, 472), "behind the container");
@@ -239,6 +259,7 @@ static_assert(offsetof(ux_container, obj) == 0, "base first");
 static_assert(offsetof(ux_page, container) == 0, "base first");
 static_assert(offsetof(ux_text_label, obj) == 0, "base first");
 static_assert(offsetof(ux_text_button, obj) == 0, "base first");
+static_assert(offsetof(ux_text_field, obj) == 0, "base first");
 static_assert(offsetof(ux_check_box, obj) == 0, "base first");
 static_assert(offsetof(ux_slider_bar, obj) == 0, "base first");
 static_assert(offsetof(ux_button_list, container) == 0, "base first");

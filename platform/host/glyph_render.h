@@ -1,0 +1,26 @@
+/* SPDX-License-Identifier: MIT */
+/*
+ * Rasterises one outline of a font into a cell of bits.
+ */
+#ifndef UX_PLATFORM_HOST_GLYPH_RENDER_H
+#define UX_PLATFORM_HOST_GLYPH_RENDER_H
+
+#include <cstddef>
+#include <optional>
+
+#include "platform/host/font_glyph.h"
+#include "platform/host/glyph_command.h"
+
+namespace em862x {
+
+/*
+ * Fills the cell at `bits` with the outline, hinted for one bit per pixel unless a matrix turns or
+ * stretches it. `bits` has pitch_of(cell) * cell.height bytes; all of them are written. False when
+ * the outline cannot be loaded.
+ */
+bool render_glyph(FT_Library library, FT_Face face, const glyph_request &request,
+                  const std::optional<outline_matrix> &matrix, std::byte *bits) noexcept;
+
+} // namespace em862x
+
+#endif
