@@ -168,7 +168,7 @@ TEST_F(CheckBoxTest, change_of_the_checked_field_shows_at_the_next_show) {
     EXPECT_EQ(buf_pixel(8, 8), k_ink);
     box->checked = 0;
     ux_check_box_repaint(&box->obj);
-    EXPECT_EQ(buf_pixel(8, 8), k_screen);
+    EXPECT_EQ(buf_pixel(8, 8), 0xFF1F3F60); // (ink * 1 + screen * 255) >> 8
 }
 
 TEST_F(CheckBoxTest, low_box_draws_lines_with_corners_exchanged_and_no_check) {
