@@ -43,6 +43,7 @@ set(UX_SOURCES
     widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSelectBox.cpp
     widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextField.cpp
