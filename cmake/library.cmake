@@ -22,6 +22,7 @@ set(UX_SOURCES
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp
+    font/uxFontBoxDrawing.cpp
     font/uxFontDrawing.cpp
     font/uxFont_em862x.cpp
     graphics/blend.cpp

@@ -750,6 +750,13 @@ UX_API int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int 
 UX_API int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
                          int size_x, int size_y, int step, int mode) UX_NOEXCEPT;
 
+/* Replaces the box (x, y, w, h) of `fb` by the picture `image_path`, loaded as ux_load_image() does
+ * and blended over 0, with `text` in `fg` upon it. `text` is as in mode 1 above, but only unit 10
+ * breaks a line. Where the picture has alpha 0, or can not be loaded, pixels become 0; on a screen
+ * without 32-bit pixels all do. An empty, null or endless text leaves the box alone. Returns 0. */
+UX_API int uxFontBoxDrawing(const void *text, uint32_t fg, const char *image_path, int x, int y,
+                            int w, int h, int size_x, int size_y) UX_NOEXCEPT;
+
 /* Converts zero-terminated UTF-8 into at most `capacity` 16-bit units, the zero unit included
  * (nothing is written when capacity is 0). Characters above U+FFFF become surrogate pairs; invalid
  * bytes become U+FFFD. Returns the units that the whole text needs, without the zero unit. */
