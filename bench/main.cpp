@@ -26,6 +26,7 @@ int main(int argc, char **argv) {
     register_blit();
     register_blend();
     register_convert();
+    register_decode();
     register_scale();
     register_text();
     register_page();

@@ -22,6 +22,7 @@ set(UX_SOURCES
     font/text_layout.cpp
     font/utf8.cpp
     font/uxFont.cpp
+    font/uxFontBoxDrawing.cpp
     font/uxFontDrawing.cpp
     font/uxFont_em862x.cpp
     graphics/blend.cpp
@@ -43,6 +44,7 @@ set(UX_SOURCES
     widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSelectBox.cpp
     widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
     widgets/uxTextField.cpp

@@ -13,6 +13,15 @@
 
 namespace ux {
 
+// Sets the size of glyphs in pixels.
+inline void set_scale(int size_x, int size_y) {
+    constexpr int k_fixed_point_bits = 16;
+    const auto fixed = [](int size) {
+        return static_cast<int32_t>(static_cast<uint32_t>(size) << k_fixed_point_bits);
+    };
+    FSS_set_scale(fixed(size_x), 0, 0, fixed(size_y));
+}
+
 struct text_box {
     int x, y, width, height; // the canvas on the screen
     int line_height;         // also the vertical glyph size
@@ -58,6 +67,9 @@ class text_pen {
         }
         return m_line < m_lines;
     }
+
+    // Whether the glyphs of the present line have left the box: one wider than the box does so.
+    bool is_beyond_edge() const { return m_pen > m_width; }
 
     void move_on(int advance) { m_column += advance; }
     int64_t column() const { return m_column; }

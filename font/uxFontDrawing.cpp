@@ -2,6 +2,7 @@
 // The software text drawers: the widgets' one over 16-bit texts, and the reference one over UTF-8.
 
 #include "font/text_layout.h"
+#include "font/unit_text.h"
 
 #include <cstdio>
 #include <cstring>
@@ -11,34 +12,7 @@ namespace {
 
 enum drawing_mode { k_mode_once = 1, k_mode_ticker_up = 2, k_mode_ticker_left = 4 };
 
-constexpr int k_fixed_point_bits = 16;
 constexpr int k_max_words = 4096; // of decoded text, two a character
-
-void set_scale(int size_x, int size_y) {
-    const auto fixed = [](int size) {
-        return static_cast<int32_t>(static_cast<uint32_t>(size) << k_fixed_point_bits);
-    };
-    FSS_set_scale(fixed(size_x), 0, 0, fixed(size_y));
-}
-
-// A text of 16-bit little-endian units at any address.
-class unit_text {
-  public:
-    explicit unit_text(const void *text) : m_bytes(static_cast<const uint8_t *>(text)) {}
-
-    uint32_t operator[](int k) const { return m_bytes[2 * k] + 256u * m_bytes[2 * k + 1]; }
-
-    // Units before the zero unit; UX_TEXT_UNITS when there is none.
-    int length() const {
-        int count = 0;
-        while (count < UX_TEXT_UNITS && (*this)[count] != 0)
-            count++;
-        return count;
-    }
-
-  private:
-    const uint8_t *m_bytes;
-};
 
 // A text without an end is not drawn at all.
 void draw_once(const text_box &box, const unit_text &text) {

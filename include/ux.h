@@ -74,6 +74,7 @@ extern "C" {
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
 #define UX_TYPE_TEXT_FIELD 0x0000000Eu   /* ux_text_field */
 #define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
+#define UX_TYPE_SELECT_BOX 0x00000027u   /* ux_select_box */
 #define UX_TYPE_CHECK_BOX 0x00000028u    /* ux_check_box */
 #define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
@@ -749,6 +750,13 @@ UX_API int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int 
 UX_API int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
                          int size_x, int size_y, int step, int mode) UX_NOEXCEPT;
 
+/* Replaces the box (x, y, w, h) of `fb` by the picture `image_path`, loaded as ux_load_image() does
+ * and blended over 0, with `text` in `fg` upon it. `text` is as in mode 1 above, but only unit 10
+ * breaks a line. Where the picture has alpha 0, or can not be loaded, pixels become 0; on a screen
+ * without 32-bit pixels all do. An empty, null or endless text leaves the box alone. Returns 0. */
+UX_API int uxFontBoxDrawing(const void *text, uint32_t fg, const char *image_path, int x, int y,
+                            int w, int h, int size_x, int size_y) UX_NOEXCEPT;
+
 /* Converts zero-terminated UTF-8 into at most `capacity` 16-bit units, the zero unit included
  * (nothing is written when capacity is 0). Characters above U+FFFF become surrogate pairs; invalid
  * bytes become U+FFFD. Returns the units that the whole text needs, without the zero unit. */
@@ -1102,6 +1110,109 @@ UX_API int ux_text_field_shift_char(ux_event *ev) UX_NOEXCEPT;
 /* Timeout callback that finishes the character in progress: the next key starts a new one. `ev` is
  * not used. Returns 0. */
 UX_API int ux_text_field_waitkeytimeout(ux_event *ev) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Select box                                                                                     */
+/* ============================================================================================== */
+
+typedef struct ux_select_box ux_select_box;
+
+/* What a select box tells a host after a key: the index of the new current item. The result is
+ * ignored. The box may be deleted in it. */
+typedef int (*ux_select_box_handler)(ux_select_box *box, int index);
+
+/* One text of a select box, which owns it. The items form a ring. */
+typedef struct ux_select_item {
+    int32_t index;                   /* place in the order of insertion, from 0 */
+    char16_t text[UX_TEXT_UNITS];    /* the text, ended by a zero unit */
+    struct ux_select_item *previous; /* the item before; of the first one the last */
+    struct ux_select_item *next;     /* the item behind; of the last one the first */
+} ux_select_item;
+
+/* Shows one text of several between the signs "<" and ">". While it has the focus, the keys left
+ * and right of its page step through them, around both ends. The signs are measured by
+ * ux_get_char_size() and painted in the size that "FontSize" tells, as the text is. A box shows
+ * black where its background is 0, as a text field does. The border lies between the signs. */
+struct ux_select_box {
+    ux_obj obj;                           /* the header */
+    char16_t text[UX_TEXT_UNITS];         /* copy of the current item's text; not painted */
+    int32_t font_size;                    /* pixels; default 16 */
+    ux_select_item *first;                /* the oldest item, or null */
+    ux_select_item *last;                 /* the newest item, or null */
+    ux_select_item *current;              /* the item shown, or null */
+    int32_t count;                        /* number of items */
+    uint32_t fg_color;                    /* text, normal; default grey */
+    uint32_t bg_color;                    /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;              /* text, focused; default grey */
+    uint32_t focus_bg_color;              /* background, focused; default black */
+    ux_select_box_handler change_handler; /* of steps by key; the host's to write; or null */
+};
+
+/* Makes a box without items and links it into `parent`, which may be null. Its `free` slot does not
+ * free the items: call ux_select_box_free_items() before. Returns null when out of memory. */
+UX_API ux_select_box *ux_select_box_new(ux_container *parent, int x, int y, int w,
+                                        int h) UX_NOEXCEPT;
+
+/* Appends an item with a copy of `text` up to its zero unit, at most 128 units (null = empty); the
+ * first one becomes current. Returns 0, or -1 when out of memory. */
+UX_API int ux_select_box_add_item(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Overwrites the text of item `index`, of the first one when it is negative; appends an item when
+ * there are not so many. Paints nothing and leaves the box's own copy as it is. Returns 0. */
+UX_API int ux_select_box_add_items(ux_select_box *box, const char16_t *text, int index) UX_NOEXCEPT;
+
+/* Frees all items. The copy in `text` stays, and is not painted. Returns 0. */
+UX_API int ux_select_box_free_items(ux_select_box *box) UX_NOEXCEPT;
+
+/* Returns the current item's index, or -1 when there is none or the object is no select box. */
+UX_API int ux_select_box_get_pos(const ux_select_box *box) UX_NOEXCEPT;
+
+/* Makes item `index` current; paints nothing and calls no handler. Returns 0, or -1 when there is
+ * no such item, when there are fewer than two items, or when the object is no select box. */
+UX_API int ux_select_box_set_pos(ux_select_box *box, int index) UX_NOEXCEPT;
+
+/* Makes the first item with exactly this text current; paints nothing and calls no handler. Returns
+ * 0, or -1 when there is none, when there are fewer than two items, or when the object is no select
+ * box. */
+UX_API int ux_select_box_set_text(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_fg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_bg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset. Returns 0. */
+UX_API int ux_select_box_set_font_size(ux_select_box *box, int n) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_select_box_set_font(ux_select_box *box, ...) UX_NOEXCEPT;
+
+/* Marks the box visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_select_box_show(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box hidden; its pixels stay. Returns 0. */
+UX_API int ux_select_box_hide(ux_obj *box) UX_NOEXCEPT;
+
+/* Shows a visible box, hides a hidden one. Returns 0. */
+UX_API int ux_select_box_repaint(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box focused, makes it its page's focus object and takes over the page's keys left and
+ * right; paints nothing. The page's handlers are kept once for all boxes, as told for the text
+ * field. Returns 0. */
+UX_API int ux_select_box_set_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the page its handlers back; paints nothing. It stays the
+ * page's focus object. Returns 0. */
+UX_API int ux_select_box_unset_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Key handlers that a focused box installs: make the item before or behind current, repaint the box
+ * and call its change_handler. An `ev->obj` that is no select box or has fewer than two items is
+ * left alone. Return 0. */
+UX_API int ux_select_box_key_left(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_select_box_key_right(ux_event *ev) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Check box                                                                                      */

@@ -67,6 +67,12 @@ const kind k_kinds[] = {
          return made ? &made->obj : nullptr;
      },
      14, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
+    {"select_box",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_select_box *made = ux_select_box_new(parent, x, y, w, h);
+         return made ? &made->obj : nullptr;
+     },
+     39, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
 };
 
 class ConstructorTest : public ScreenTest, public ::testing::WithParamInterface<kind> {

@@ -27,6 +27,13 @@ struct png_content {
     std::vector<uint8_t> bytes = {};               // all rows, packed
 };
 
+// How a JPEG of three components is coded: luma samples per chroma sample, one pass or several.
+struct jpeg_coding {
+    int columns = 2;
+    int rows = 2;
+    bool progressive = false;
+};
+
 // A folder that goes away with the test.
 class picture_folder {
   public:
@@ -66,7 +73,8 @@ class picture_folder {
 
     // `components` is 1 (grey), 3 (RGB) or 4 (CMYK).
     std::string write_jpeg(const std::string &name, uint32_t width, uint32_t height, int components,
-                           const std::vector<uint8_t> &bytes) const {
+                           const std::vector<uint8_t> &bytes,
+                           const jpeg_coding &coding = {}) const {
         FILE *file = fopen(path(name).c_str(), "wb");
         jpeg_compress_struct cinfo;
         jpeg_error_mgr errors;
@@ -80,6 +88,12 @@ class picture_folder {
                                : components == 3 ? JCS_RGB
                                                  : JCS_CMYK;
         jpeg_set_defaults(&cinfo);
+        if (components == 3) {
+            cinfo.comp_info[0].h_samp_factor = coding.columns;
+            cinfo.comp_info[0].v_samp_factor = coding.rows;
+        }
+        if (coding.progressive)
+            jpeg_simple_progression(&cinfo);
         jpeg_start_compress(&cinfo, TRUE);
         while (cinfo.next_scanline < height) {
             auto *row = const_cast<JSAMPLE *>(bytes.data()) +

@@ -6,11 +6,13 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <set>
 
 namespace fake_chip {
 namespace {
 
 state s_state;
+std::set<fss_glyph *> s_given; // glyphs fetched and not freed
 
 template <class... Values>
 void record(const char *name, Values... values) {
@@ -127,6 +129,9 @@ state &get() {
 
 void reset() {
     s_state = {};
+    for (fss_glyph *glyph : s_given)
+        operator delete(glyph);
+    s_given.clear();
 }
 
 } // namespace fake_chip
@@ -143,12 +148,13 @@ fss_glyph *FSS_get_bitmap(uint32_t code) {
     if (found == get().glyphs.end())
         return nullptr;
     get().outstanding++;
-    return make(found->second);
+    return *s_given.insert(make(found->second)).first;
 }
 
 void FSS_free_char(fss_glyph *given) {
     record("FSS_free_char");
     get().outstanding--;
+    s_given.erase(given);
     operator delete(given);
 }
 

@@ -89,7 +89,7 @@ struct state {
 
 state &get();
 
-// Forgets all glyphs, calls and answers.
+// Forgets all glyphs, calls and answers, and releases the glyphs that were not given back.
 void reset();
 
 } // namespace fake_chip
