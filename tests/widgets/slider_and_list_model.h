@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Check boxes, slider bars and button lists as their rules tell them, without any painting and
 // without a call of the library: what the replay test compares with.
-#ifndef UX_TESTS_WIDGETS_INPUT_MODEL_H
-#define UX_TESTS_WIDGETS_INPUT_MODEL_H
+#ifndef UX_TESTS_WIDGETS_SLIDER_AND_LIST_MODEL_H
+#define UX_TESTS_WIDGETS_SLIDER_AND_LIST_MODEL_H
 
 #include <algorithm>
 #include <cstdint>
