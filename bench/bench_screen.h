@@ -46,5 +46,6 @@ void register_decode();
 void register_scale();
 void register_text();
 void register_page();
+void register_input_widgets();
 
 #endif

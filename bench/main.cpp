@@ -30,6 +30,7 @@ int main(int argc, char **argv) {
     register_scale();
     register_text();
     register_page();
+    register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
     return 0;
