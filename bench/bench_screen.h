@@ -47,5 +47,6 @@ void register_scale();
 void register_text();
 void register_string();
 void register_page();
+void register_input_widgets();
 
 #endif

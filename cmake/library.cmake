@@ -39,13 +39,16 @@ set(UX_SOURCES
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
     widgets/key_capture.cpp
+    widgets/multi_tap.cpp
     widgets/sign.cpp
     widgets/uxButtonList.cpp
     widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSelectBox.cpp
     widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
+    widgets/uxTextField.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp
 )

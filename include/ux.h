@@ -72,7 +72,9 @@ extern "C" {
 #define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
+#define UX_TYPE_TEXT_FIELD 0x0000000Eu   /* ux_text_field */
 #define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
+#define UX_TYPE_SELECT_BOX 0x00000027u   /* ux_select_box */
 #define UX_TYPE_CHECK_BOX 0x00000028u    /* ux_check_box */
 #define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
@@ -125,6 +127,9 @@ enum {
     UX_KEY_SHIFT = 34,
     UX_KEY_PUNCTUATION = 35
 };
+
+/* What a text field takes (ux_text_field.input_type); any other value is as the first. */
+enum { UX_INPUT_ALPHANUMERIC = 0, UX_INPUT_NUMERIC = 1 };
 
 /* Pixel formats of the screen (ux_screen.color_mode). */
 enum { UX_COLOR_MODE_ARGB8888 = 1, UX_COLOR_MODE_RGB565 = 3 };
@@ -982,6 +987,232 @@ UX_API int ux_image_button_unset_select(ux_obj *button) UX_NOEXCEPT;
 /* ux_obj_set_size() of the button. Returns 0. */
 UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w,
                                     int h) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Text field                                                                                     */
+/* ============================================================================================== */
+
+/* A line of text typed on a telephone keypad. While it has the focus it takes over its page's
+ * handlers of the keys 0 to 9, punctuation, delete and shift. A key types its digit; pressed again
+ * within a second it replaces the character by the next letter on the key: key 2 gives 2, a, b, c,
+ * A, B, C, and 2 again. A numeric field takes digits only, one for every press.
+ *
+ * There is one keypad for all fields: keys that are in progress, capitals, and the page's handlers
+ * are kept once. Take the focus from one field before the next gets it; handlers that the page had
+ * are lost otherwise. Where the page had none, the field's stays and ignores other objects.
+ *
+ * Where its background is 0 it shows black, not the screen: it is blackened before what lies under
+ * it is saved. Size of the text as told for the label. */
+typedef struct ux_text_field {
+    ux_obj obj;                     /* the header */
+    char16_t text[UX_TEXT_UNITS];   /* the content, ended by a zero unit */
+    int32_t mask_char;              /* low byte: shown instead of the content; default '*' */
+    int32_t password;               /* not 0: the mask is shown; default 0 */
+    int32_t limit;                  /* characters; default 256: as many as the record holds */
+    int32_t font_size;              /* pixels; default 16 */
+    int32_t style;                  /* stored only; default 3 */
+    int32_t input_type;             /* UX_INPUT_*; default UX_INPUT_ALPHANUMERIC */
+    uint32_t fg_color;              /* text, normal; default grey */
+    uint32_t bg_color;              /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;        /* text, focused; default grey */
+    uint32_t focus_bg_color;        /* background, focused; default black */
+    uint32_t select_fg_color;       /* stored only; default grey */
+    uint32_t select_bg_color;       /* stored only; default black */
+    uint32_t select_focus_fg_color; /* stored only; default grey */
+    uint32_t select_focus_bg_color; /* stored only; default black */
+} ux_text_field;
+
+/* Makes a field with a copy of `text` (null = empty) and links it into `parent`, which may be null.
+ * Returns null when out of memory. */
+UX_API ux_text_field *ux_text_field_new(ux_container *parent, int x, int y, int w, int h,
+                                        const char16_t *text) UX_NOEXCEPT;
+
+/* Copies `text` up to its zero unit and zeroes the rest of the record's text; of a 128th unit only
+ * the low byte is kept. Null zeroes the first two units only. Returns 0. */
+UX_API int ux_text_field_set_text(ux_text_field *field, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores `n`, or 255 when it is larger, as the number of characters that the field takes. It takes
+ * no key while it holds more. Characters that fill it, and one beyond, are not painted before the
+ * next show; an odd number n is never reached, since the character that fills the field cuts it to
+ * (n + 1) / 2 characters. A negative limit refuses every key. Returns 0. */
+UX_API int ux_text_field_set_limit(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* Stores the input type, UX_INPUT_*. The keys change when the field next gets the focus. Returns 0.
+ */
+UX_API int ux_text_field_set_type(ux_text_field *field, int type) UX_NOEXCEPT;
+
+/* Stores the mask character (a byte) and whether it hides the content. One mask byte is shown for
+ * each byte in front of the first zero byte of the content, so plain text of any length shows one
+ * mask character. Returns 0, or -1 when the object is no text field. */
+UX_API int ux_text_field_set_pw_type(ux_text_field *field, int mask_char, int enabled) UX_NOEXCEPT;
+
+/* Stores the style. Returns 0. */
+UX_API int ux_text_field_set_style(ux_text_field *field, int s) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_text_field_set_font(ux_text_field *field, ...) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset. Returns 0. */
+UX_API int ux_text_field_set_font_size(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_text_field_set_fg_color(ux_text_field *field, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_text_field_set_bg_color(ux_text_field *field, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the text colours of the selected and the selected and focused state. Returns 0. */
+UX_API int ux_text_field_set_fg_scolor(ux_text_field *field, uint32_t select,
+                                       uint32_t select_focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the selected and the selected and focused state. Returns 0. */
+UX_API int ux_text_field_set_bg_scolor(ux_text_field *field, uint32_t select,
+                                       uint32_t select_focus) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_text_field_set_border(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the field. Returns 0. */
+UX_API int ux_text_field_set_size(ux_text_field *field, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the field visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_text_field_show(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field hidden; its pixels stay. Returns 0. */
+UX_API int ux_text_field_hide(ux_obj *field) UX_NOEXCEPT;
+
+/* Shows a visible field, hides a hidden one. Returns 0. */
+UX_API int ux_text_field_repaint(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field focused, makes it its page's focus object and takes over the page's keys; paints
+ * nothing. A character in progress is finished, capitals are off. Returns 0. */
+UX_API int ux_text_field_set_focus(ux_obj *field) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the page its handlers back; paints nothing. It stays the
+ * page's focus object. Returns 0. */
+UX_API int ux_text_field_unset_focus(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field selected; paints nothing. Returns 0. */
+UX_API int ux_text_field_set_select(ux_obj *field) UX_NOEXCEPT;
+
+/* Takes the selected mark away; paints nothing. Returns 0. */
+UX_API int ux_text_field_unset_select(ux_obj *field) UX_NOEXCEPT;
+
+/* Key handlers that a focused field installs; an `ev->obj` that is no text field is left alone.
+ * add_char types the key `ev->value` and shows the field, del_char removes the last character and
+ * shows the field, shift_char switches capitals on or off, whatever `ev->obj` is. Return 0. */
+UX_API int ux_text_field_add_char(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_text_field_del_char(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_text_field_shift_char(ux_event *ev) UX_NOEXCEPT;
+
+/* Timeout callback that finishes the character in progress: the next key starts a new one. `ev` is
+ * not used. Returns 0. */
+UX_API int ux_text_field_waitkeytimeout(ux_event *ev) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Select box                                                                                     */
+/* ============================================================================================== */
+
+typedef struct ux_select_box ux_select_box;
+
+/* What a select box tells a host after a key: the index of the new current item. The result is
+ * ignored. The box may be deleted in it. */
+typedef int (*ux_select_box_handler)(ux_select_box *box, int index);
+
+/* One text of a select box, which owns it. The items form a ring. */
+typedef struct ux_select_item {
+    int32_t index;                   /* place in the order of insertion, from 0 */
+    char16_t text[UX_TEXT_UNITS];    /* the text, ended by a zero unit */
+    struct ux_select_item *previous; /* the item before; of the first one the last */
+    struct ux_select_item *next;     /* the item behind; of the last one the first */
+} ux_select_item;
+
+/* Shows one text of several between the signs "<" and ">". While it has the focus, the keys left
+ * and right of its page step through them, around both ends. The signs are measured by
+ * ux_get_char_size() and painted in the size that "FontSize" tells, as the text is. A box shows
+ * black where its background is 0, as a text field does. The border lies between the signs. */
+struct ux_select_box {
+    ux_obj obj;                           /* the header */
+    char16_t text[UX_TEXT_UNITS];         /* copy of the current item's text; not painted */
+    int32_t font_size;                    /* pixels; default 16 */
+    ux_select_item *first;                /* the oldest item, or null */
+    ux_select_item *last;                 /* the newest item, or null */
+    ux_select_item *current;              /* the item shown, or null */
+    int32_t count;                        /* number of items */
+    uint32_t fg_color;                    /* text, normal; default grey */
+    uint32_t bg_color;                    /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;              /* text, focused; default grey */
+    uint32_t focus_bg_color;              /* background, focused; default black */
+    ux_select_box_handler change_handler; /* of steps by key; the host's to write; or null */
+};
+
+/* Makes a box without items and links it into `parent`, which may be null. Its `free` slot does not
+ * free the items: call ux_select_box_free_items() before. Returns null when out of memory. */
+UX_API ux_select_box *ux_select_box_new(ux_container *parent, int x, int y, int w,
+                                        int h) UX_NOEXCEPT;
+
+/* Appends an item with a copy of `text` up to its zero unit, at most 128 units (null = empty); the
+ * first one becomes current. Returns 0, or -1 when out of memory. */
+UX_API int ux_select_box_add_item(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Overwrites the text of item `index`, of the first one when it is negative; appends an item when
+ * there are not so many. Paints nothing and leaves the box's own copy as it is. Returns 0. */
+UX_API int ux_select_box_add_items(ux_select_box *box, const char16_t *text, int index) UX_NOEXCEPT;
+
+/* Frees all items. The copy in `text` stays, and is not painted. Returns 0. */
+UX_API int ux_select_box_free_items(ux_select_box *box) UX_NOEXCEPT;
+
+/* Returns the current item's index, or -1 when there is none or the object is no select box. */
+UX_API int ux_select_box_get_pos(const ux_select_box *box) UX_NOEXCEPT;
+
+/* Makes item `index` current; paints nothing and calls no handler. Returns 0, or -1 when there is
+ * no such item, when there are fewer than two items, or when the object is no select box. */
+UX_API int ux_select_box_set_pos(ux_select_box *box, int index) UX_NOEXCEPT;
+
+/* Makes the first item with exactly this text current; paints nothing and calls no handler. Returns
+ * 0, or -1 when there is none, when there are fewer than two items, or when the object is no select
+ * box. */
+UX_API int ux_select_box_set_text(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_fg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_bg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset. Returns 0. */
+UX_API int ux_select_box_set_font_size(ux_select_box *box, int n) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_select_box_set_font(ux_select_box *box, ...) UX_NOEXCEPT;
+
+/* Marks the box visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_select_box_show(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box hidden; its pixels stay. Returns 0. */
+UX_API int ux_select_box_hide(ux_obj *box) UX_NOEXCEPT;
+
+/* Shows a visible box, hides a hidden one. Returns 0. */
+UX_API int ux_select_box_repaint(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box focused, makes it its page's focus object and takes over the page's keys left and
+ * right; paints nothing. The page's handlers are kept once for all boxes, as told for the text
+ * field. Returns 0. */
+UX_API int ux_select_box_set_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the page its handlers back; paints nothing. It stays the
+ * page's focus object. Returns 0. */
+UX_API int ux_select_box_unset_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Key handlers that a focused box installs: make the item before or behind current, repaint the box
+ * and call its change_handler. An `ev->obj` that is no select box or has fewer than two items is
+ * left alone. Return 0. */
+UX_API int ux_select_box_key_left(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_select_box_key_right(ux_event *ev) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Check box                                                                                      */
