@@ -17,7 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop() and send_pipe_event().
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event()
+ * and, as told there, ux_event_get().
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.
@@ -453,7 +454,9 @@ UX_API int ux_event_close(void) UX_NOEXCEPT;
  * 0, or -1 when the ring is full. */
 UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
 
-/* Takes the oldest event out into `ev`. Returns 0, or -2 when there is none. */
+/* Takes the oldest event out into `ev`. Only one thread at a time may do so: the main loop, or,
+ * while a handler runs and the loop stands still, a thread that the handler starts and waits for.
+ * Returns 0, or -2 when there is none. */
 UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 
 /* The event thread: reads messages from the pipe into the ring. */
