@@ -622,9 +622,10 @@ UX_API void *ux_load_image_transparent(const char *path, int width, int height,
  * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
  * draws at once; 1 to 8 reveal the block step by step with pauses of 3 ms, until it is whole or the
  * host sets the environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which
- * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. A block that does not fit on the screen
- * must not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the
- * screen or an unknown pixel format. */
+ * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. docs/effects.md shows each half way, and
+ * the order of effect 8: a clockwise spiral of tiles. A block that does not fit on the screen must
+ * not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the screen
+ * or an unknown pixel format. */
 UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                               int effect) UX_NOEXCEPT;
 
