@@ -17,7 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop() and send_pipe_event().
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event()
+ * and, as told there, ux_event_get().
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.
@@ -461,7 +462,9 @@ UX_API int ux_event_close(void) UX_NOEXCEPT;
  * 0, or -1 when the ring is full. */
 UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
 
-/* Takes the oldest event out into `ev`. Returns 0, or -2 when there is none. */
+/* Takes the oldest event out into `ev`. Only one thread at a time may do so: the main loop, or,
+ * while a handler runs and the loop stands still, a thread that the handler starts and waits for.
+ * Returns 0, or -2 when there is none. */
 UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 
 /* The event thread: reads messages from the pipe into the ring. */
@@ -627,9 +630,10 @@ UX_API void *ux_load_image_transparent(const char *path, int width, int height,
  * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
  * draws at once; 1 to 8 reveal the block step by step with pauses of 3 ms, until it is whole or the
  * host sets the environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which
- * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. A block that does not fit on the screen
- * must not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the
- * screen or an unknown pixel format. */
+ * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. docs/effects.md shows each half way, and
+ * the order of effect 8: a clockwise spiral of tiles. A block that does not fit on the screen must
+ * not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the screen
+ * or an unknown pixel format. */
 UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                               int effect) UX_NOEXCEPT;
 

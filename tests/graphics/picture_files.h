@@ -23,8 +23,9 @@ struct png_content {
     int color_type = PNG_COLOR_TYPE_RGB;
     int interlace = PNG_INTERLACE_NONE;
     std::vector<png_color> palette = {};
-    std::vector<uint8_t> transparent_indexes = {}; // tRNS of a palette picture
-    std::vector<uint8_t> bytes = {};               // all rows, packed
+    std::vector<uint8_t> transparent_indexes = {};    // tRNS of a palette picture
+    std::vector<png_color_16> transparent_color = {}; // tRNS of any other: one
+    std::vector<uint8_t> bytes = {};                  // all rows, packed
 };
 
 // How a JPEG of three components is coded: luma samples per chroma sample, one pass or several.
@@ -59,6 +60,8 @@ class picture_folder {
         if (!content.transparent_indexes.empty())
             png_set_tRNS(writer, info, content.transparent_indexes.data(),
                          static_cast<int>(content.transparent_indexes.size()), nullptr);
+        if (!content.transparent_color.empty())
+            png_set_tRNS(writer, info, nullptr, 0, content.transparent_color.data());
         png_write_info(writer, info);
         const size_t row_bytes = content.bytes.size() / content.height;
         std::vector<png_bytep> rows;

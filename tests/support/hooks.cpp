@@ -67,6 +67,7 @@ unsigned __real_sleep(unsigned);
 int __real_usleep(useconds_t);
 int __real_gettimeofday(timeval *, void *);
 time_t __real_time(time_t *);
+char *__real_getenv(const char *);
 int __real_open(const char *, int, ...);
 int __real_close(int);
 int __real_ioctl(int, unsigned long, void *);
@@ -120,6 +121,12 @@ time_t __wrap_time(time_t *out) {
     if (out)
         *out = get().now.tv_sec;
     return get().now.tv_sec;
+}
+
+char *__wrap_getenv(const char *name) {
+    if (get().on_getenv)
+        get().on_getenv(name);
+    return __real_getenv(name);
 }
 
 int __wrap_open(const char *path, int flags, ...) {

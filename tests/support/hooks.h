@@ -25,6 +25,8 @@ struct state {
     std::vector<unsigned> usleeps;   // arguments of usleep(), microseconds
     std::function<void()> on_usleep; // runs at every usleep(), fake clock or not
 
+    std::function<void(const char *name)> on_getenv; // runs before every getenv()
+
     // Files. A path that is a key here is opened, unlinked, made under its value.
     std::string pipe_path;  // stands in for "/tmp/event"; empty = the real one
     std::string queue_path; // stands in for the "/tmp" of ftok(); empty = the real one
