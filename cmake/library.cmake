@@ -16,7 +16,12 @@ set(UX_SOURCES
     event/uxEvent.cpp
     event/uxEvent_em862x.cpp
     event/uxTimer.cpp
+    font/glyph_session.cpp
+    font/line_reader.cpp
     font/text_layout.cpp
+    font/ticker.cpp
+    font/ticker_band.cpp
+    font/ticker_box.cpp
     font/utf8.cpp
     font/uxFont.cpp
     font/uxFontDrawing.cpp
