@@ -121,37 +121,39 @@ void ticker_band::draw(const band_area &area) {
 // Paints the glyph whose cell begins at (row, column) of the band. Cells are one box height high.
 void ticker_band::paint(const fss_glyph &glyph, int64_t row, int64_t column) {
     const auto [first, end] = rows_of_glyph(glyph, baseline_of(m_box_height), m_box_height);
-    const uint8_t *bits = bits_of(glyph);
-    if (glyph.pitch <= 0)
+    if (first >= end || glyph.pitch <= 0)
         return;
+    const uint8_t *bits = bits_of(glyph);
     for (int64_t r = first; r < end; r++, bits += glyph.pitch)
-        paint_row(bits, glyph.pitch, (row + r) * m_width + column + glyph.left);
+        paint_row(bits, glyph.pitch, row + r, column + glyph.left);
 }
 
-// Paints a row of bits that begins at pixel `start` of the band, counted row by row; only what lies
-// in the tile.
-void ticker_band::paint_row(const uint8_t *bits, int pitch, int64_t start) {
-    if (start >= m_drawn.bottom * m_width || start + pitch * k_byte_bits <= m_drawn.top * m_width)
+// Paints a row of bits that begins at (row, column) of the band, whose rows follow one another as
+// in memory; only what lies in the tile.
+void ticker_band::paint_row(const uint8_t *bits, int pitch, int64_t row, int64_t column) {
+    const int64_t first_row = row + floor_divide(column, m_width);
+    const int64_t first_column = column - (first_row - row) * m_width;
+    const int64_t last_row = first_row + (first_column + pitch * k_byte_bits - 1) / m_width;
+    if (first_row >= m_drawn.bottom || last_row < m_drawn.top)
         return;
-    const int64_t first_row = floor_divide(start, m_width);
-    const int64_t first_column = start - first_row * m_width;
     const int64_t tile_width = m_drawn.right - m_drawn.left;
     for (int i = 0; i < pitch; i++)
         for_each_bit(bits[i], [&](int bit) {
-            int64_t row = first_row;
-            int64_t column = first_column + i * k_byte_bits + bit;
-            if (column >= m_width) {
-                row += column / m_width;
-                column %= m_width;
+            int64_t y = first_row;
+            int64_t x = first_column + i * k_byte_bits + bit;
+            if (x >= m_width) {
+                y += x / m_width;
+                x %= m_width;
             }
-            if (row >= m_drawn.top && row < m_drawn.bottom && column >= m_drawn.left &&
-                column < m_drawn.right)
-                m_tile[(row - m_drawn.top) * tile_width + column - m_drawn.left] = k_ink;
+            if (y >= m_drawn.top && y < m_drawn.bottom && x >= m_drawn.left && x < m_drawn.right)
+                m_tile[(y - m_drawn.top) * tile_width + x - m_drawn.left] = k_ink;
         });
 }
 
 void ticker_band::report(const fss_glyph &glyph) const {
     const auto [first, end] = rows_of_glyph(glyph, baseline_of(m_box_height), m_box_height);
+    if (first >= end || glyph.pitch <= 0)
+        return;
     const uint8_t *bits = bits_of(glyph);
     for (int64_t i = 0; i < (end - first) * glyph.pitch; i++)
         for_each_bit(bits[i], [](int) { report_unknown_pixel(); });

@@ -59,7 +59,7 @@ class ticker_band {
     band_area surroundings(band_area window) const;
     void draw(const band_area &area);
     void paint(const fss_glyph &glyph, int64_t row, int64_t column);
-    void paint_row(const uint8_t *bits, int pitch, int64_t start);
+    void paint_row(const uint8_t *bits, int pitch, int64_t row, int64_t column);
     void report(const fss_glyph &glyph) const;
 
     scrolling m_direction;
