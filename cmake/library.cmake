@@ -20,7 +20,12 @@ set(UX_SOURCES
     font/glyph_request.cpp
     font/string_buffer.cpp
     font/string_overlay.cpp
+    font/glyph_session.cpp
+    font/line_reader.cpp
     font/text_layout.cpp
+    font/ticker.cpp
+    font/ticker_band.cpp
+    font/ticker_box.cpp
     font/utf8.cpp
     font/uxFont.cpp
     font/uxFontBoxDrawing.cpp

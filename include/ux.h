@@ -17,8 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event()
- * and, as told there, ux_event_get().
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event() and,
+ * as told there, ux_event_get() and the tickers, which need a thread of their own.
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.
@@ -749,8 +749,8 @@ UX_API int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int 
 /* Draws text in the box (x, y, w, h) of `fb`. Mode 1: `text` is 16-bit units ended by a zero unit,
  * at most 127; units 13 and 10 break the line, lines wrap at the glyph that crosses the right edge,
  * and the text is cut at the last whole line of size_y pixels. `fg` is the ink; `bg` the
- * transparent key: nothing shows when fg == bg. `step` is for the ticker. Modes 2 and 4, the
- * ticker, are refused by this version with -1; any other mode does nothing. Returns 0. */
+ * transparent key: nothing shows when fg == bg. `step` is for the ticker. Modes 2 and 4 are the
+ * ticker, see below; any other mode does nothing. Returns 0. */
 UX_API int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
                          int size_x, int size_y, int step, int mode) UX_NOEXCEPT;
 
@@ -765,6 +765,64 @@ UX_API int uxFontBoxDrawing(const void *text, uint32_t fg, const char *image_pat
  * (nothing is written when capacity is 0). Characters above U+FFFF become surrogate pairs; invalid
  * bytes become U+FFFD. Returns the units that the whole text needs, without the zero unit. */
 UX_API size_t ux_text_from_utf8(char16_t *out, size_t capacity, const char *utf8) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Ticker                                                                                         */
+/* ============================================================================================== */
+
+/* uxFontDrawing() with mode 2 or 4 shows the lines of the file named `text` (a path, bytes) in the
+ * box (x, y, w, h) of `fb`, one after the other and again from the first, until the host stops it.
+ * The size of the text is h; size_x and size_y are not looked at. `fg` is the ink; elsewhere the
+ * screen shines through as it was before the first frame. `bg` equal to `fg` shows nothing.
+ *
+ * - Mode 2 scrolls up: the line, wrapped at w, each row h high with its baseline at h * 4 / 5,
+ * comes in from below and leaves at the top, `step` rows per frame of 5 ms; half a second after its
+ * end the next one follows. A carriage return breaks the line.
+ * - Mode 4 scrolls left: the line comes in from the right and leaves at the left, 4 * `step`
+ * columns per frame of 50 ms. A carriage return is a glyph as any other.
+ *
+ * A `step` of 0 or less never moves. The file is UTF-8, see UTF8to16(); of a line, the first 4,095
+ * bytes and 2,048 characters are shown, up to a zero byte. The file is opened anew for every pass,
+ * so that a host gives it new lines best by rename(2). As long as it is missing, empty or not a
+ * regular file, it is tried again every 10 ms.
+ *
+ * After every frame the ticker reads the environment. It stops when "STATUS" is "gotoMenu",
+ * "ShowMSG" is "YES" or "TICKER_STATE" is "STOP_TICKER": it prints "start clear screen" on standard
+ * output, gives the box back what it showed before, sets "TICKER_PLAYING" to "NO" and returns 0.
+ * Between lines, and while there is no line to show, nothing stops it. A null path is refused with
+ * -1. Without memory it sets "TICKER_PLAYING" to "NO" and returns -2.
+ *
+ * Threads. A ticker returns only when it is stopped, so it runs on a thread of its own beside the
+ * main loop; several may run. Meanwhile nothing else may paint its box, and neither main_screen nor
+ * its memory may change. It is stopped as told here and never cancelled.
+ *
+ * Sharing the environment. C libraries do not promise that getenv(3) and setenv(3) may run at the
+ * same time in two threads: setting a variable that does not exist yet moves the list that the
+ * other thread is reading. These rules leave no race:
+ *
+ * 1. Before the first thread is started, and ux_system_init() starts two, set all four variables,
+ *    and "FontSize", with setenv(3): to the longest value each will have. A flag is set to a value
+ *    that is one byte away from the one that stops, "-ES" for "YES". Keep the pointer that
+ *    getenv(3) gives for each.
+ * 2. From then on nobody calls setenv(3), putenv(3) or unsetenv(3). The host raises or lowers a
+ * flag by storing that one byte through the pointer, as an atomic store (C11: through a volatile
+ *    _Atomic(char) pointer; C++20: std::atomic_ref<char>). The ticker loads every byte atomically
+ *    and so sees the old value or the new one.
+ * 3. The ticker's own setenv(3) of "TICKER_PLAYING" is left. Whoever raises the flag waits for the
+ *    ticker's end (pthread_join(3)) before anything that reads the environment: painting texts
+ * does. That is a frame away, or half a second between lines of mode 2, if the file holds a line at
+ *    all times. The pointer to "TICKER_PLAYING" from before is stale afterwards: ask getenv(3)
+ *    again, now that nobody sets.
+ *    A ticker that ends without being waited for replaces the value in place of the old one; with
+ *    the GNU C library the list stays where it is and old values stay readable. */
+
+/* Scrolls the UTF-8 `text` once to the left through the box, like a line in mode 4, and returns 0;
+ * further arguments are ignored. Prints on standard output: "str_len = %d" with the words decoded;
+ * after every frame "uxWidget STATUS = %s" and "uxWidget ShowMSG = %s" with the present values;
+ * "TICKER FINISH" when the text has passed. Only "STATUS" = "gotoMenu" stops it, as told above.
+ * Without memory it returns -2. */
+UX_API int DrawFontToBitmapMoveLeftFileTEST(const char *text, uint32_t fg, uint32_t bg, int x,
+                                            int y, int w, int h, int step, ...) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Text label                                                                                     */
