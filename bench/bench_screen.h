@@ -44,6 +44,10 @@ void register_blend();
 void register_convert();
 void register_scale();
 void register_text();
+void register_ticker();
 void register_page();
+
+// Prints what share of a core a running ticker takes; for some seconds.
+void report_ticker_share();
 
 #endif

@@ -28,8 +28,10 @@ int main(int argc, char **argv) {
     register_convert();
     register_scale();
     register_text();
+    register_ticker();
     register_page();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
+    report_ticker_share();
     return 0;
 }
