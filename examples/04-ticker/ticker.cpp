@@ -156,8 +156,10 @@ void start_ticker() {
     const int mode = s_player.mode;
     for (const flag *lowered : {&s_player.status, &s_player.message, &s_player.ticker_state})
         lowered->lower();
-    if (char *value = getenv("TICKER_PLAYING"))
-        std::memcpy(value, "ON", 2); // over "NO", which no thread reads now
+    if (char *value = getenv("TICKER_PLAYING")) { // "NO", which no thread reads now
+        value[0] = 'O';
+        value[1] = 'N';
+    }
     s_player.ticker = std::thread([mode] {
         uxFontDrawing(s_player.news.path(), k_highlight_color, k_panel_color, k_ticker_left,
                       k_ticker_top, k_ticker_width, k_ticker_height, k_ticker_height,
