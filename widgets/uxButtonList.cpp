@@ -48,7 +48,7 @@ void lay_out(const ux_button_list *list) {
     }
 }
 
-// The nearest visible button above or below the current one, or null; `*index` becomes its index.
+// The nearest visible button above or below the current one: whether there is one, and its index.
 bool find_visible(const ux_button_list *list, int direction, int *index) {
     for (int64_t i = int64_t{list->current} + direction; i >= 0 && i < list->item_count;
          i += direction) {
