@@ -97,8 +97,8 @@ void discard(ux_button_list *list) {
 
 bool make_arrays(ux_button_list *list) {
     const auto count = static_cast<size_t>(list->item_count);
-    list->items = static_cast<ux_text_button **>(calloc(count, sizeof *list->items));
-    list->values = static_cast<uint32_t *>(calloc(count, sizeof *list->values));
+    list->items = static_cast<ux_text_button **>(calloc(count, sizeof(ux_text_button *)));
+    list->values = static_cast<uint32_t *>(calloc(count, sizeof(uint32_t)));
     if (list->items && list->values)
         return true;
     report_error("Not enough memory space for buttonlist!\n");
