@@ -58,6 +58,7 @@ void init_defaults(ux_obj *obj) {
     obj->handler_data = nullptr;
     ux_obj_set_default_border_color(obj);
     obj->bg_backup = nullptr;
+    obj->fg_backup = nullptr;
 }
 
 // The parent's add_obj comes before the defaults: a host's own may look at an unfinished object,
@@ -140,6 +141,7 @@ void drop_saved_background(ux_obj *obj) {
         free(obj->bg_backup);
     obj->status &= ~static_cast<uint32_t>(UX_ST_BG_SAVED | UX_ST_BG_EXTERNAL);
     obj->bg_backup = nullptr;
+    obj->fg_backup = nullptr;
 }
 
 } // namespace ux
