@@ -42,8 +42,11 @@ void register_line();
 void register_blit();
 void register_blend();
 void register_convert();
+void register_decode();
 void register_scale();
 void register_text();
+void register_string();
 void register_page();
+void register_input_widgets();
 
 #endif

@@ -26,9 +26,12 @@ int main(int argc, char **argv) {
     register_blit();
     register_blend();
     register_convert();
+    register_decode();
     register_scale();
     register_text();
+    register_string();
     register_page();
+    register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
     return 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The steps that every constructor takes in the same order, seen on containers, labels and buttons.
+// The steps that every constructor takes in the same order, seen on containers, labels, buttons and
+// input widgets.
 
 #include "tests/support/screen_test.h"
 
@@ -60,6 +61,18 @@ const kind k_kinds[] = {
          return made ? &made->obj : nullptr;
      },
      5, 0x10, "Error: [0] Not enough memory space for text button!\n\n"},
+    {"field",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_text_field *made = ux_text_field_new(parent, x, y, w, h, u"a");
+         return made ? &made->obj : nullptr;
+     },
+     14, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
+    {"select_box",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_select_box *made = ux_select_box_new(parent, x, y, w, h);
+         return made ? &made->obj : nullptr;
+     },
+     39, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
 };
 
 class ConstructorTest : public ScreenTest, public ::testing::WithParamInterface<kind> {
