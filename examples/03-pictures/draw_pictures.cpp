@@ -29,15 +29,17 @@ struct picture {
 using scene = std::function<color(point)>;
 
 uint8_t to_byte(double value) {
-    return static_cast<uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+    return static_cast<uint8_t>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
 }
 
 // The mean of some places in a pixel; colours weigh as much as they are opaque.
 color pixel_color(const scene &drawn, int x, int y, int height) {
     color sum = {0, 0, 0, 0};
     for (int i = 0; i < k_samples * k_samples; i++) {
-        const color c = drawn({(x + (i % k_samples + 0.5) / k_samples) / height,
-                               (y + (i / k_samples + 0.5) / k_samples) / height});
+        const int column = i % k_samples;
+        const int row = i / k_samples;
+        const color c = drawn(
+            {(x + (column + 0.5) / k_samples) / height, (y + (row + 0.5) / k_samples) / height});
         sum.red += c.red * c.alpha;
         sum.green += c.green * c.alpha;
         sum.blue += c.blue * c.alpha;

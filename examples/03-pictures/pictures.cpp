@@ -60,7 +60,7 @@ struct line {
 
 struct player {
     std::vector<std::string> pictures; // of the show
-    unsigned seconds = 2;              // rest after each; 0 = wait for a key
+    int seconds = 2;                   // rest after each; 0 = wait for a key
     size_t step = 0;                   // pictures shown so far
     int rest_timer = -1;               // -1 = none
     int home_page = 0;
@@ -446,7 +446,7 @@ void find_pictures(const char *folder) {
 void read_arguments(int argc, char **argv) {
     int at = 1;
     if (argc > 2 && strcmp(argv[1], "--seconds") == 0) {
-        s_player.seconds = std::min(static_cast<unsigned>(strtoul(argv[2], nullptr, 10)), 3600u);
+        s_player.seconds = static_cast<int>(std::min(strtoul(argv[2], nullptr, 10), 600ul));
         at = 3;
     }
     if (at < argc)
