@@ -141,7 +141,6 @@ void drop_saved_background(ux_obj *obj) {
         free(obj->bg_backup);
     obj->status &= ~static_cast<uint32_t>(UX_ST_BG_SAVED | UX_ST_BG_EXTERNAL);
     obj->bg_backup = nullptr;
-    obj->fg_backup = nullptr;
 }
 
 } // namespace ux
