@@ -31,6 +31,7 @@ int main(int argc, char **argv) {
     register_text();
     register_string();
     register_page();
+    register_desk();
     register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
