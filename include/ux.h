@@ -17,8 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event() and,
- * as told there, ux_event_get() and the tickers, which need a thread of their own.
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event()
+ * and, as told there, ux_event_get() and the tickers, which need a thread of their own.
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.

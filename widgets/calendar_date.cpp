@@ -10,10 +10,10 @@ namespace {
 
 constexpr int k_february = 2;
 constexpr int k_leap_february_days = 29;
-constexpr uint8_t k_days_in_month[k_months] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+constexpr uint8_t days_in_month[k_months] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
 // Days before a month's first, modulo 7, by the month's number.
-constexpr uint8_t k_days_offset[k_months + 2] = {0, 0, 3, 3, 6, 1, 4, 6, 2, 5, 0, 3, 5, 1};
+constexpr uint8_t days_offset[k_months + 2] = {0, 0, 3, 3, 6, 1, 4, 6, 2, 5, 0, 3, 5, 1};
 
 // The first day of the Gregorian calendar.
 constexpr int k_reform_year = 1752;
@@ -26,8 +26,8 @@ bool is_before_reform(int year, int month, int day) {
     return month != k_reform_month ? month < k_reform_month : day < k_reform_day;
 }
 
-int days_offset(int month) {
-    return month >= 0 && month <= k_months + 1 ? k_days_offset[month] : 0;
+int offset_of(int month) {
+    return month >= 0 && month <= k_months + 1 ? days_offset[month] : 0;
 }
 
 } // namespace
@@ -36,9 +36,9 @@ bool is_leap_year(int year) {
     return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
 }
 
-int days_in_month(int year, int month) {
+int days_of_month(int year, int month) {
     return month == k_february && is_leap_year(year) ? k_leap_february_days
-                                                     : k_days_in_month[month - 1];
+                                                     : days_in_month[month - 1];
 }
 
 // With p = year - 1:
@@ -50,7 +50,7 @@ int weekday(int year, int month, int day) {
     constexpr int k_constant = 1;
     constexpr int k_constant_before = 5;
     const int64_t past = int64_t{year} - 1;
-    int64_t sum = int64_t{year} - 2 + past / 4 - past / 100 + past / 400 + day + days_offset(month);
+    int64_t sum = int64_t{year} - 2 + past / 4 - past / 100 + past / 400 + day + offset_of(month);
     if (is_leap_year(year) && month > k_february)
         sum += 1;
     sum += is_before_reform(year, month, day) ? k_constant_before : k_constant;

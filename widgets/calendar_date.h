@@ -11,7 +11,7 @@ constexpr int k_weekdays = 7;
 bool is_leap_year(int year);
 
 // Days of a month 1..12.
-int days_in_month(int year, int month);
+int days_of_month(int year, int month);
 
 // 0 = Sunday to 6 = Saturday; the remainder is negative for some dates of years below 1. A month
 // outside 1..12 counts as one that begins with the year.

@@ -17,6 +17,9 @@ static_assert(FLT_EVAL_METHOD == 0, "build for SSE arithmetic");
 constexpr double k_pi = 3.1415926535898;
 constexpr int k_half_turn = 180; // degrees
 constexpr int k_full_turn = 360;
+constexpr int k_hour_angle = 30;       // of an hour, for the hour hand
+constexpr int k_minute_angle = 6;      // of a minute or a second, for the other two
+constexpr double k_second_share = 0.1; // degrees of a second, for the minute hand
 
 constexpr double k_hour_length = 0.6; // of the radius
 constexpr double k_minute_length = 0.8;
@@ -96,10 +99,10 @@ clock_hand line(const end_point &from, const end_point &to, uint32_t color) {
 
 // The hour hand moves every second minute, the minute hand every tenth second.
 std::array<clock_hand, 3> clock_hands(const ux_clock *clock) {
-    const int64_t hour_angle = clock->minutes / 2 + int64_t{clock->hours} * 30;
-    const int64_t minute_angle =
-        static_cast<int64_t>(clock->seconds * 0.1) + int64_t{clock->minutes} * 6;
-    const int64_t second_angle = int64_t{clock->seconds} * 6;
+    const int64_t hour_angle = clock->minutes / 2 + int64_t{clock->hours} * k_hour_angle;
+    const int64_t minute_angle = static_cast<int64_t>(clock->seconds * k_second_share) +
+                                 int64_t{clock->minutes} * k_minute_angle;
+    const int64_t second_angle = int64_t{clock->seconds} * k_minute_angle;
     const end_point center = point_at(clock, 0, 0);
     return {
         line(point_at(clock, hour_angle, k_hour_length), center, k_hour_color),

@@ -36,11 +36,10 @@ constexpr int k_centered = 4;
 
 constexpr int k_first_year = 2009;
 
-constexpr const char16_t *k_month_names[k_months] = {
+constexpr const char16_t *cal_month[k_months] = {
     u"JANUARY", u"FEBRUARY", u"MARCH",     u"APRIL",   u"MAY",      u"JUNE",
     u"JULY",    u"AUGUST",   u"SEPTEMBER", u"OCTOBER", u"NOVEMBER", u"DECEMBER"};
-constexpr const char *k_weekday_names[k_weekdays] = {"SUN", "MON", "TUE", "WED",
-                                                     "THU", "FRI", "SAT"};
+constexpr const char *cal_week[k_weekdays] = {"SUN", "MON", "TUE", "WED", "THU", "FRI", "SAT"};
 
 // Sizes of the grid, pixels.
 struct calendar_grid {
@@ -67,7 +66,7 @@ bool is_weekend(int column) {
 
 void paint_month(int year, int month, int size) {
     paint_number(month, k_ink, UX_COLOR_NONE, k_month_box, size);
-    paint_text(k_month_names[month - 1], k_ink, UX_COLOR_NONE, k_name_box, size);
+    paint_text(cal_month[month - 1], k_ink, UX_COLOR_NONE, k_name_box, size);
     paint_number(year, k_ink, UX_COLOR_NONE, k_year_box, size);
 }
 
@@ -76,7 +75,7 @@ void paint_header(const calendar_grid &grid) {
         const int left = column_left(grid, i);
         uxDrawBox(left, k_header_top, coordinate(int64_t{left} + grid.cell_width - 1),
                   k_header_top + k_header_height - 1, k_header_color);
-        ux_draw_string(k_weekday_names[i], k_fit_size, is_weekend(i) ? k_weekend_ink : k_header_ink,
+        ux_draw_string(cal_week[i], k_fit_size, is_weekend(i) ? k_weekend_ink : k_header_ink,
                        UX_COLOR_NONE, left, k_header_top, grid.cell_width, k_header_height,
                        k_centered);
     }
@@ -174,7 +173,7 @@ int ux_calendar_show(ux_obj *obj) noexcept {
     const int size = ux::font_size(ux::k_default_font_size);
     ux::paint_month(year, month, size);
     ux::paint_header(grid);
-    ux::paint_days(calendar, grid, ux::first_column(year, month), ux::days_in_month(year, month),
+    ux::paint_days(calendar, grid, ux::first_column(year, month), ux::days_of_month(year, month),
                    size);
     ux_object_update(obj);
     return 0;

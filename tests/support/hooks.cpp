@@ -18,7 +18,7 @@ state s_state;
 std::atomic<long> s_allocations;
 std::atomic<long> s_fail_in; // allocations until the one that fails; 0 = none
 std::atomic<void *> s_last_block;
-std::atomic<long> s_blocks;  // allocated minus freed
+std::atomic<long> s_blocks; // allocated minus freed
 
 bool allocation_fails() {
     s_allocations++;

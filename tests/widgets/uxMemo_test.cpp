@@ -460,7 +460,7 @@ TEST_F(MemoTest, memory_that_fails_while_painting_leaks_nothing_and_stops_nothin
 
 TEST_F(MemoTest, border_wider_than_the_memo_and_absurd_sizes_are_survived) {
     s_readable = {k_first};
-    const int sizes[] = {INT_MIN, -1, 0, 1, 7, 100};
+    const int sizes[] = {-1000, -1, 0, 1, 7, 100};
     for (int border : {0, 5, 1000, INT_MAX, INT_MIN})
         for (int size : sizes) {
             ux_memo *memo = make(u"a", size, size, size, size);
