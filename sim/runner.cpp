@@ -10,6 +10,7 @@
 #include "sim/run_folder.h"
 #include "sim/screen.h"
 #include "sim/shot.h"
+#include "sim/virtual_clock.h"
 
 #include <array>
 #include <csignal>
@@ -30,6 +31,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds k_patience{2000};  // between SIGTERM and SIGKILL
 constexpr milliseconds k_script_tick{5};  // finer than a main loop's pass
 constexpr milliseconds k_window_tick{16}; // about 60 pictures a second
+constexpr milliseconds k_free_tick{5};    // a host that rests in virtual time without a script
 constexpr milliseconds k_idle_tick{250};  // nothing to watch but the host's end
 
 // Signals arrive here and nowhere else, so that every end is a clean one.
@@ -90,8 +92,12 @@ std::string absolute_folder(const std::string &path) {
     return result.string();
 }
 
-host_setup setup_for(const options &run, const run_folder &folder, const shared_screen &screen) {
-    return {
+// Dates in shots must not depend on where the machine stands.
+constexpr const char *k_virtual_zone = "UTC0";
+
+host_setup setup_for(const options &run, const run_folder &folder, const shared_screen &screen,
+                     const virtual_clock *clock) {
+    host_setup setup = {
         .arguments = run.host,
         .variables = {{"UX_SIM_MEMORY", screen.path()},
                       {"UX_SIM_SCREEN", shape_text(run.shape)},
@@ -100,6 +106,11 @@ host_setup setup_for(const options &run, const run_folder &folder, const shared_
                       {"UX_SIM_ROOT", run.root.empty() ? "" : absolute_folder(run.root)}},
         .preload = folder.preload_name(find_shim()),
     };
+    setup.variables.emplace_back("UX_SIM_CLOCK", clock == nullptr ? "" : clock->path());
+    if (clock != nullptr) {
+        setup.variables.emplace_back("TZ", k_virtual_zone);
+    }
+    return setup;
 }
 
 bool died_badly(const host_end &end) {
@@ -109,24 +120,27 @@ bool died_badly(const host_end &end) {
 class runner {
   public:
     runner(const options &run, const script *steps, const viewer_maker &make_viewer)
-        : m_run(run), m_folder(run.queue_path), m_screen(run.shape),
-          m_watch(m_screen, steady::now()), m_input(m_folder) {
+        : m_run(run), m_folder(run.queue_path), m_screen(run.shape), m_clock(clock_for(run)),
+          m_watch(m_screen, now()), m_input(m_folder) {
         prepare_shots(steps);
         if (make_viewer) {
             m_viewer = make_viewer(m_screen);
         }
         tell(run, "queue path " + m_folder.queue_path());
-        m_host.emplace(setup_for(run, m_folder, m_screen));
+        m_host.emplace(setup_for(run, m_folder, m_screen, m_clock.get()));
         m_started = steady::now();
         if (steps != nullptr) {
-            m_player.emplace(*steps, stage{m_screen, m_watch, m_input, shot_taker()}, m_started);
+            m_player.emplace(*steps, stage{m_screen, m_watch, m_input, shot_taker()}, now());
         }
     }
 
     int carry_out() {
+        if (m_clock) {
+            run_virtually(now());
+        }
         for (;;) {
             if (int number = m_signals.end_signal()) {
-                m_host->stop(k_patience);
+                stop();
                 return k_status_signal_base + number;
             }
             if (auto status = pass()) {
@@ -137,26 +151,57 @@ class runner {
     }
 
   private:
+    static std::unique_ptr<virtual_clock> clock_for(const options &run) {
+        return run.virtual_time ? std::make_unique<virtual_clock>(run.first_second,
+                                                                  std::chrono::seconds(run.stall_s))
+                                : nullptr;
+    }
+
+    // The time by which host and script live.
+    steady::time_point now() const { return m_clock ? m_clock->now() : steady::now(); }
+
+    // Without a script nothing holds the host's time up.
+    void run_virtually(steady::time_point until) {
+        if (m_player) {
+            m_clock->run_until(until, [this] { return must_leave(); });
+        } else {
+            m_clock->run_free();
+        }
+    }
+
+    bool must_leave() {
+        check_timeout();
+        return m_signals.end_signal() != 0 || m_host->poll();
+    }
+
+    // A host that lives by the clock needs time to end, too.
+    host_end stop() {
+        if (m_clock) {
+            m_clock->run_free();
+        }
+        return m_host->stop(k_patience);
+    }
+
     // One look at everything; the exit status once the run is over.
     std::optional<int> pass() {
         const auto ended = m_host->poll();
-        const auto now = steady::now();
+        const auto time = now();
         const bool watching = m_player || m_viewer;
-        const row_range changed = watching ? m_watch.look(now) : row_range{};
+        const row_range changed = watching ? m_watch.look(time) : row_range{};
         if (!ended) {
-            m_input.step(now);
+            m_input.step(time);
         }
         if (m_player) {
-            m_player->step(ended, now);
+            m_player->step(ended, time);
             if (m_player->finished()) {
                 return finish();
             }
         } else if (ended) {
             return finish_with(*ended);
         }
-        check_timeout(now);
+        check_timeout();
         if (m_viewer && !show(changed)) {
-            m_host->stop(k_patience);
+            stop();
             return k_status_ok;
         }
         return std::nullopt;
@@ -170,17 +215,27 @@ class runner {
     }
 
     void wait() {
+        if (m_clock && m_player && !m_host->poll()) {
+            run_virtually(m_player->next_look(now()));
+            return;
+        }
+        if (m_clock && m_clock->rests()) {
+            m_clock->run_free(); // somebody else may have sent something
+        }
         std::array<pollfd, 2> files = {
             {{.fd = m_signals.fd(), .events = POLLIN, .revents = 0},
              {.fd = m_input.watch_fd(), .events = POLLIN, .revents = 0}}};
-        milliseconds tick = m_player ? k_script_tick : m_viewer ? k_window_tick : k_idle_tick;
+        milliseconds tick = m_player   ? k_script_tick
+                            : m_clock  ? k_free_tick
+                            : m_viewer ? k_window_tick
+                                       : k_idle_tick;
         ::poll(files.data(), files.size(), static_cast<int>(tick.count()));
     }
 
     // The script is through.
     int finish() {
         const bool alive = !m_host->poll();
-        const host_end end = m_host->stop(k_patience);
+        const host_end end = stop();
         if (alive && died_badly(end)) {
             throw failure("the host " + end.description() + " when it was asked to end");
         }
@@ -198,12 +253,13 @@ class runner {
         return end.exit_code();
     }
 
-    void check_timeout(steady::time_point now) {
-        if (m_run.timeout_s == 0 || now - m_started < std::chrono::seconds(m_run.timeout_s)) {
+    void check_timeout() {
+        if (m_run.timeout_s == 0 ||
+            steady::now() - m_started < std::chrono::seconds(m_run.timeout_s)) {
             return;
         }
         std::string when = m_player ? " at " + m_player->where() : "";
-        m_host->stop(k_patience);
+        stop();
         throw failure("the run took longer than " + std::to_string(m_run.timeout_s) + " s" + when);
     }
 
@@ -230,6 +286,7 @@ class runner {
     signal_watch m_signals;
     run_folder m_folder;
     shared_screen m_screen;
+    std::unique_ptr<virtual_clock> m_clock; // null = real time
     screen_watch m_watch;
     delivery m_input;
     std::unique_ptr<viewer> m_viewer;

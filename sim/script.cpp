@@ -21,7 +21,8 @@ namespace {
 constexpr size_t k_largest_script_bytes = 1 << 20;
 constexpr size_t k_longest_name = 200;
 constexpr int k_longest_wait_ms = 3600 * 1000;
-constexpr int k_default_limit_ms = 10 * 1000; // beyond the wait itself
+constexpr int k_latest_ms = 24 * k_longest_wait_ms; // since the run began
+constexpr int k_default_limit_ms = 10 * 1000;       // beyond the wait itself
 
 using words = std::vector<std::string_view>;
 
@@ -144,7 +145,7 @@ class parser {
 
     void read_wait(const words &parts, script_step &step) const {
         constexpr const char *k_usage =
-            "wait MS', 'wait still MS [within MS]' or 'wait exit [within MS]";
+            "wait MS', 'wait until MS', 'wait still MS [within MS]' or 'wait exit [within MS]";
         std::string_view what = parts.size() > 1 ? parts[1] : "";
         if (what == "still") {
             step.what = verb::wait_still;
@@ -156,6 +157,10 @@ class parser {
             if (step.limit_ms <= step.ms) {
                 refuse("the limit must be longer than the wait");
             }
+        } else if (what == "until") {
+            want_words(parts, 3, "wait until MS");
+            step.what = verb::wait_until;
+            step.ms = read_number(parts[2], "time in ms", 0, k_latest_ms);
         } else if (what == "exit") {
             step.what = verb::wait_exit;
             read_limit(parts, 2, step);

@@ -78,6 +78,33 @@ TEST(sim_options, reads_every_option) {
     EXPECT_EQ(parse({"--window", "h"}).run.value().display, display_choice::window);
 }
 
+TEST(sim_options, virtual_time_begins_in_2025_unless_told) {
+    options run = parse({"--virtual-time", "h"}).run.value();
+    EXPECT_TRUE(run.virtual_time);
+    EXPECT_EQ(run.first_second, 1735689600); // 20089 days
+    EXPECT_EQ(run.stall_s, 10);
+    EXPECT_FALSE(parse({"h"}).run.value().virtual_time);
+    EXPECT_EQ(parse({"--date", "2025-01-02", "h"}).run->first_second, 1735689600 + 86400);
+    EXPECT_EQ(parse({"--date", "2025-01-01T01:02", "h"}).run->first_second, 1735689600 + 3720);
+    EXPECT_EQ(parse({"--date", "1980-01-01T00:00:59", "h"}).run->first_second, 315532859);
+    EXPECT_EQ(parse({"--stall", "60", "h"}).run->stall_s, 60);
+}
+
+TEST(sim_options, refuses_dates_that_do_not_exist) {
+    for (const char *date : {"", "2025", "2025-02-29", "2025-13-01", "2025-01-01T24:01", "tomorrow",
+                             "2025-01-01 10:00", "1979-12-31", "2100-01-01", "2025-01-01T1:2:3Z"}) {
+        EXPECT_EQ(complaint(parse, {"--date", date, "h"}),
+                  std::string("--date wants YYYY-MM-DD[THH:MM[:SS]], 1980 to 2099, not '") + date +
+                      "'; see ux-sim --help");
+    }
+}
+
+TEST(sim_options, a_window_in_virtual_time_wants_a_script) {
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--window", "h"}),
+              "--virtual-time with a window wants a script; see ux-sim --help");
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--window", "--script", "s", "h"}), "");
+}
+
 TEST(sim_options, help_and_version_are_texts_and_no_run) {
     EXPECT_FALSE(parse({"--help"}).run);
     EXPECT_TRUE(parse({"--help"}).text.starts_with("Usage: ux-sim "));
