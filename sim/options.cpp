@@ -28,6 +28,7 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
                        (default: a window where there is a display)
   --script FILE        send keys and touches, wait, take shots; '-' = standard input
   --shots DIR          folder for the script's shots (default: the current one)
+  --expect DIR         compare each shot with the picture of its name in DIR
   --root DIR           look for /orbo/... and /mnt/firmware/... below DIR first
   --queue-path PATH    name the input queue by PATH, for ux-remote --queue-path PATH
   --timeout SECONDS    end a run that takes longer, as a failure
@@ -50,6 +51,7 @@ enum option_code { // beyond the letters
     o_headless,
     o_script,
     o_shots,
+    o_expect,
     o_root,
     o_queue_path,
     o_timeout,
@@ -61,13 +63,14 @@ enum option_code { // beyond the letters
     o_version,
 };
 
-constexpr std::array<option, 16> k_options = {{
+constexpr std::array<option, 17> k_options = {{
     {"size", required_argument, nullptr, o_size},
     {"format", required_argument, nullptr, o_format},
     {"window", no_argument, nullptr, o_window},
     {"headless", no_argument, nullptr, o_headless},
     {"script", required_argument, nullptr, o_script},
     {"shots", required_argument, nullptr, o_shots},
+    {"expect", required_argument, nullptr, o_expect},
     {"root", required_argument, nullptr, o_root},
     {"queue-path", required_argument, nullptr, o_queue_path},
     {"timeout", required_argument, nullptr, o_timeout},
@@ -160,6 +163,9 @@ void apply(int code, const std::string &argument, options &run) {
         return;
     case o_shots:
         run.shots = read_path("shots", argument);
+        return;
+    case o_expect:
+        run.expect = read_path("expect", argument);
         return;
     case o_root:
         run.root = read_path("root", argument);

@@ -18,6 +18,7 @@ struct options {
     display_choice display = display_choice::automatic;
     std::string script;      // file, "-" = standard input, empty = none
     std::string shots = "."; // folder for the pictures
+    std::string expect;      // folder of reference pictures; empty = none
     std::string root;        // stands in for the device's folders; empty = none
     std::string queue_path;  // names the queue; empty = the run's own folder
     int timeout_s = 0;       // of the whole run; 0 = none

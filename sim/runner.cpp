@@ -3,15 +3,16 @@
 // milliseconds.
 #include "sim/runner.h"
 
+#include "sim/album.h"
 #include "sim/delivery.h"
 #include "sim/failure.h"
 #include "sim/host_process.h"
 #include "sim/player.h"
 #include "sim/run_folder.h"
 #include "sim/screen.h"
-#include "sim/shot.h"
 #include "sim/virtual_clock.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -45,6 +46,7 @@ class signal_watch {
         }
         sigprocmask(SIG_BLOCK, &watched, nullptr);
         signal(SIGPIPE, SIG_IGN);
+        signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error to tell
         m_fd = signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
         if (m_fd == -1) {
             throw failure(system_reason("cannot watch signals"));
@@ -130,7 +132,10 @@ class runner {
         m_host.emplace(setup_for(run, m_folder, m_screen, m_clock.get()));
         m_started = steady::now();
         if (steps != nullptr) {
-            m_player.emplace(*steps, stage{m_screen, m_watch, m_input, shot_taker()}, now());
+            m_player.emplace(*steps,
+                             stage{m_screen, m_watch, m_input,
+                                   [this](const std::string &file) { take_shot(file); }},
+                             now());
         }
     }
 
@@ -242,6 +247,11 @@ class runner {
         if (alive && end.by_signal() && end.signal() == SIGKILL) {
             std::fputs("ux-sim: the host did not end when asked to; killed\n", stderr);
         }
+        if (m_album && m_album->wrong() > 0) {
+            throw failure(std::to_string(m_album->wrong()) + " of " +
+                              std::to_string(m_album->taken()) + " shots are not as expected",
+                          k_status_unexpected);
+        }
         return k_status_ok;
     }
 
@@ -264,23 +274,18 @@ class runner {
     }
 
     void prepare_shots(const script *steps) {
-        bool any = false;
-        for (size_t at = 0; steps != nullptr && at < steps->steps.size(); ++at) {
-            any = any || steps->steps[at].what == verb::shot;
-        }
-        std::error_code error;
-        if (any && !std::filesystem::create_directories(m_run.shots, error) && error) {
-            throw failure("cannot make the folder " + m_run.shots + ": " + error.message());
+        const bool any =
+            steps != nullptr && std::ranges::any_of(steps->steps, [](const script_step &step) {
+                return step.what == verb::shot;
+            });
+        if (any) {
+            m_album.emplace(m_screen, m_run.shots, m_run.expect);
+        } else if (!m_run.expect.empty()) {
+            throw usage_failure("--expect wants a script that takes shots");
         }
     }
 
-    std::function<void(const std::string &)> shot_taker() {
-        return [this](const std::string &file) {
-            std::string path = (std::filesystem::path(m_run.shots) / file).string();
-            write_shot(m_screen, path);
-            tell(m_run, "shot " + path);
-        };
-    }
+    void take_shot(const std::string &file) { tell(m_run, "shot " + m_album->take(file)); }
 
     const options &m_run;
     signal_watch m_signals;
@@ -290,6 +295,7 @@ class runner {
     screen_watch m_watch;
     delivery m_input;
     std::unique_ptr<viewer> m_viewer;
+    std::optional<album> m_album;
     std::optional<host_process> m_host; // goes first
     std::optional<player> m_player;
     steady::time_point m_started;
