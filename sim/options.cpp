@@ -29,6 +29,7 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
   --script FILE        send keys and touches, wait, take shots; '-' = standard input
   --shots DIR          folder for the script's shots (default: the current one)
   --expect DIR         compare each shot with the picture of its name in DIR
+  --record FILE        write down keys and touches as a script for --script
   --root DIR           look for /orbo/... and /mnt/firmware/... below DIR first
   --queue-path PATH    name the input queue by PATH, for ux-remote --queue-path PATH
   --timeout SECONDS    end a run that takes longer, as a failure
@@ -52,6 +53,7 @@ enum option_code { // beyond the letters
     o_script,
     o_shots,
     o_expect,
+    o_record,
     o_root,
     o_queue_path,
     o_timeout,
@@ -63,7 +65,7 @@ enum option_code { // beyond the letters
     o_version,
 };
 
-constexpr std::array<option, 17> k_options = {{
+constexpr std::array<option, 18> k_options = {{
     {"size", required_argument, nullptr, o_size},
     {"format", required_argument, nullptr, o_format},
     {"window", no_argument, nullptr, o_window},
@@ -71,6 +73,7 @@ constexpr std::array<option, 17> k_options = {{
     {"script", required_argument, nullptr, o_script},
     {"shots", required_argument, nullptr, o_shots},
     {"expect", required_argument, nullptr, o_expect},
+    {"record", required_argument, nullptr, o_record},
     {"root", required_argument, nullptr, o_root},
     {"queue-path", required_argument, nullptr, o_queue_path},
     {"timeout", required_argument, nullptr, o_timeout},
@@ -166,6 +169,9 @@ void apply(int code, const std::string &argument, options &run) {
         return;
     case o_expect:
         run.expect = read_path("expect", argument);
+        return;
+    case o_record:
+        run.record = read_path("record", argument);
         return;
     case o_root:
         run.root = read_path("root", argument);

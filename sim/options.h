@@ -19,6 +19,7 @@ struct options {
     std::string script;      // file, "-" = standard input, empty = none
     std::string shots = "."; // folder for the pictures
     std::string expect;      // folder of reference pictures; empty = none
+    std::string record;      // file to write a session's script to; empty = none
     std::string root;        // stands in for the device's folders; empty = none
     std::string queue_path;  // names the queue; empty = the run's own folder
     int timeout_s = 0;       // of the whole run; 0 = none

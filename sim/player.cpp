@@ -84,6 +84,7 @@ bool player::try_send(const input_message &message, const std::optional<host_end
                       steady::time_point now) {
     if (!m_posted) {
         m_posted = m_stage.input.post(message);
+        m_stage.input.step(now); // at this very moment if nothing is on its way
         return false;
     }
     if (waited(k_delivery_limit_ms, now)) {

@@ -8,6 +8,7 @@
 #include "sim/failure.h"
 #include "sim/host_process.h"
 #include "sim/player.h"
+#include "sim/recorder.h"
 #include "sim/run_folder.h"
 #include "sim/screen.h"
 #include "sim/virtual_clock.h"
@@ -128,18 +129,35 @@ class runner {
         if (make_viewer) {
             m_viewer = make_viewer(m_screen);
         }
+        if (!run.record.empty()) {
+            m_recorder.emplace(run.record, m_folder.queue());
+        }
         tell(run, "queue path " + m_folder.queue_path());
-        m_host.emplace(setup_for(run, m_folder, m_screen, m_clock.get()));
+        host_setup setup = setup_for(run, m_folder, m_screen, m_clock.get());
+        setup.variables.emplace_back("UX_SIM_RECORD", m_recorder ? m_recorder->path() : "");
+        m_begun = now();
         m_started = steady::now();
+        m_host.emplace(setup);
         if (steps != nullptr) {
             m_player.emplace(*steps,
                              stage{m_screen, m_watch, m_input,
                                    [this](const std::string &file) { take_shot(file); }},
-                             now());
+                             m_begun);
         }
     }
 
     int carry_out() {
+        const int status = run_to_the_end();
+        if (m_recorder) {
+            const auto end = m_host->poll();
+            m_recorder->finish(m_begun, m_ended_at.value_or(now()),
+                               m_ended_at || !end ? nullptr : &*end);
+        }
+        return status;
+    }
+
+  private:
+    int run_to_the_end() {
         if (m_clock) {
             run_virtually(now());
         }
@@ -155,7 +173,6 @@ class runner {
         }
     }
 
-  private:
     static std::unique_ptr<virtual_clock> clock_for(const options &run) {
         return run.virtual_time ? std::make_unique<virtual_clock>(run.first_second,
                                                                   std::chrono::seconds(run.stall_s))
@@ -181,6 +198,9 @@ class runner {
 
     // A host that lives by the clock needs time to end, too.
     host_end stop() {
+        if (!m_host->poll()) {
+            m_ended_at = now();
+        }
         if (m_clock) {
             m_clock->run_free();
         }
@@ -195,6 +215,9 @@ class runner {
         const row_range changed = watching ? m_watch.look(time) : row_range{};
         if (!ended) {
             m_input.step(time);
+        }
+        if (m_recorder) {
+            m_recorder->take(m_begun);
         }
         if (m_player) {
             m_player->step(ended, time);
@@ -230,10 +253,10 @@ class runner {
         std::array<pollfd, 2> files = {
             {{.fd = m_signals.fd(), .events = POLLIN, .revents = 0},
              {.fd = m_input.watch_fd(), .events = POLLIN, .revents = 0}}};
-        milliseconds tick = m_player   ? k_script_tick
-                            : m_clock  ? k_free_tick
-                            : m_viewer ? k_window_tick
-                                       : k_idle_tick;
+        milliseconds tick = m_player || m_recorder ? k_script_tick
+                            : m_clock              ? k_free_tick
+                            : m_viewer             ? k_window_tick
+                                                   : k_idle_tick;
         ::poll(files.data(), files.size(), static_cast<int>(tick.count()));
     }
 
@@ -295,10 +318,13 @@ class runner {
     screen_watch m_watch;
     delivery m_input;
     std::unique_ptr<viewer> m_viewer;
+    std::optional<recorder> m_recorder;
     std::optional<album> m_album;
     std::optional<host_process> m_host; // goes first
     std::optional<player> m_player;
-    steady::time_point m_started;
+    steady::time_point m_begun;                   // by the time of host and script
+    steady::time_point m_started;                 // in real time
+    std::optional<steady::time_point> m_ended_at; // when the host was told to end, as m_begun
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "sim/clock_share.h"
 #include "sim/shim_clock.h"
 #include "sim/shim_next.h"
+#include "sim/shim_record.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -321,11 +322,18 @@ static bool receive_attempt(void *what) {
     return wait->result != -1 || errno != ENOMSG;
 }
 
+static ssize_t received(int queue, const void *message, ssize_t result) {
+    if (result >= 0) {
+        shim_record(queue, message, (size_t)result);
+    }
+    return result;
+}
+
 EXPORT ssize_t msgrcv(int queue, void *message, size_t bytes, long type, int flags) {
     FIND_NEXT(msgrcv, -1)
     if (!shim_clock_mine() || (flags & IPC_NOWAIT) != 0) {
         shim_clock_glance();
-        return next(queue, message, bytes, type, flags);
+        return received(queue, message, next(queue, message, bytes, type, flags));
     }
     struct receive_wait what = {next, queue, message, bytes, type, flags, -1};
     struct shim_wait wait = {.ready = queue_holds_something,
@@ -333,7 +341,7 @@ EXPORT ssize_t msgrcv(int queue, void *message, size_t bytes, long type, int fla
                              .what = &what,
                              .until_ns = SIM_CLOCK_NEVER};
     bool interrupted = false;
-    return wait_for(wait, &interrupted) ? what.result : -1;
+    return received(queue, message, wait_for(wait, &interrupted) ? what.result : -1);
 }
 
 struct send_wait {

@@ -9,9 +9,7 @@
 #include <cstdio>
 #include <memory>
 
-#include <fcntl.h>
 #include <linux/futex.h>
-#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -45,31 +43,10 @@ char state_of_thread(int process, int thread) {
 
 } // namespace
 
-virtual_clock::virtual_clock(int64_t epoch_s, std::chrono::seconds limit) : m_limit(limit) {
-    m_fd = memfd_create("ux-sim-clock", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    void *memory = MAP_FAILED;
-    // Sealed in size, as the screen is.
-    if (m_fd != -1 && ftruncate(m_fd, sizeof(sim_clock_share)) == 0 &&
-        fcntl(m_fd, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0) {
-        memory =
-            mmap(nullptr, sizeof(sim_clock_share), PROT_READ | PROT_WRITE, MAP_SHARED, m_fd, 0);
-    }
-    if (memory == MAP_FAILED) {
-        std::string reason = system_reason("cannot make the clock's memory");
-        close(m_fd);
-        throw failure(reason);
-    }
-    m_share = static_cast<sim_clock_share *>(memory);
+virtual_clock::virtual_clock(int64_t epoch_s, std::chrono::seconds limit)
+    : m_limit(limit), m_memory("the clock's memory", sizeof(sim_clock_share)),
+      m_share(static_cast<sim_clock_share *>(m_memory.data())) {
     m_share->epoch_s = epoch_s;
-}
-
-virtual_clock::~virtual_clock() {
-    munmap(m_share, sizeof *m_share);
-    close(m_fd);
-}
-
-std::string virtual_clock::path() const {
-    return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(m_fd);
 }
 
 steady::time_point virtual_clock::now() const {

@@ -21,12 +21,9 @@ class virtual_clock {
     // `epoch_s`: the date at which the run begins, seconds since 1970. `limit`: for how long, in
     // real time, simulated time may stand still. Throws failure.
     virtual_clock(int64_t epoch_s, std::chrono::seconds limit);
-    virtual_clock(const virtual_clock &) = delete;
-    virtual_clock &operator=(const virtual_clock &) = delete;
-    ~virtual_clock();
 
     // Under which the host can open the clock's memory as long as this process lives.
-    std::string path() const;
+    std::string path() const { return m_memory.path(); }
 
     // Simulated time since the run began, on a scale of its own.
     steady::time_point now() const;
@@ -47,8 +44,8 @@ class virtual_clock {
     [[noreturn]] void complain() const;
 
     std::chrono::seconds m_limit;
-    int m_fd = -1;
-    sim_clock_share *m_share = nullptr;
+    shared_memory m_memory;
+    sim_clock_share *m_share; // there
 };
 
 } // namespace ux::sim

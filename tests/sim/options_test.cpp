@@ -60,16 +60,19 @@ TEST(sim_options, defaults_are_1280x720_argb8888_and_no_script) {
 }
 
 TEST(sim_options, reads_every_option) {
-    options run = parse({"--size", "640x480", "--format=rgb565", "--headless", "--script", "-",
-                         "--shots", "out", "--expect", "ref", "--root", "tree", "--queue-path", "q",
-                         "--timeout", "5", "--verbose", "--", "--odd-host"})
-                      .run.value();
+    options run =
+        parse({"--size",    "640x480", "--format=rgb565", "--headless", "--script",  "-",
+               "--shots",   "out",     "--record",        "rec",        "--expect",  "ref",
+               "--root",    "tree",    "--queue-path",    "q",          "--timeout", "5",
+               "--verbose", "--",      "--odd-host"})
+            .run.value();
     EXPECT_EQ(run.shape.width, 640);
     EXPECT_EQ(run.shape.height, 480);
     EXPECT_EQ(run.shape.format, pixel_format::rgb565);
     EXPECT_EQ(run.display, display_choice::headless);
     EXPECT_EQ(run.script, "-");
     EXPECT_EQ(run.shots, "out");
+    EXPECT_EQ(run.record, "rec");
     EXPECT_EQ(run.expect, "ref");
     EXPECT_EQ(run.root, "tree");
     EXPECT_EQ(run.queue_path, "q");

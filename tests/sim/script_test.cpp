@@ -95,8 +95,8 @@ TEST(script, complains_about_waits) {
     EXPECT_EQ(complaint("wait"), "demo:1: expected 'wait MS', 'wait until MS', 'wait still MS "
                                  "[within MS]' or 'wait exit [within MS]'");
     EXPECT_EQ(complaint("wait until"), "demo:1: expected 'wait until MS'");
-    EXPECT_EQ(complaint("wait until 86400001"),
-              "demo:1: '86400001' is no time in ms (0 to 86400000)");
+    EXPECT_EQ(complaint("wait until 2147483648"),
+              "demo:1: '2147483648' is no time in ms (0 to 2147483647)");
     EXPECT_EQ(complaint("wait -1"), "demo:1: '-1' is no time in ms (0 to 3600000)");
     EXPECT_EQ(complaint("wait soon"), "demo:1: 'soon' is no time in ms (0 to 3600000)");
     EXPECT_EQ(complaint("wait still"), "demo:1: expected 'wait still MS [within MS]'");
