@@ -8,7 +8,11 @@
 #include <png.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace ux::sim {
 
@@ -22,19 +26,47 @@ png_image new_image() {
     return image;
 }
 
-} // namespace
-
-void write_png(const picture &shown, const std::string &path) {
+std::vector<uint8_t> encode(const picture &shown) {
     png_image image = new_image();
     image.width = static_cast<png_uint_32>(shown.width);
     image.height = static_cast<png_uint_32>(shown.height);
     image.format = PNG_FORMAT_RGB;
-    const std::string unfinished = path + ".part";
-    if (png_image_write_to_file(&image, unfinished.c_str(), 0, shown.rgb.data(), 0, nullptr) == 0) {
-        std::remove(unfinished.c_str());
-        throw failure("cannot write " + path + ": " + image.message);
+    png_alloc_size_t bytes = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::vector<uint8_t> file(bytes);
+    if (png_image_write_to_memory(&image, file.data(), &bytes, 0, shown.rgb.data(), 0, nullptr) ==
+        0) {
+        throw failure(std::string("cannot make a PNG file: ") + image.message);
     }
-    if (std::rename(unfinished.c_str(), path.c_str()) != 0) {
+    file.resize(bytes);
+    return file;
+}
+
+// False with errno.
+bool write_whole(const std::string &path, const std::vector<uint8_t> &bytes) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (fd == -1) {
+        return false;
+    }
+    size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = write(fd, bytes.data() + done, bytes.size() - done);
+        if (count <= 0) {
+            const int error = count == 0 ? ENOSPC : errno;
+            close(fd);
+            errno = error;
+            return false;
+        }
+        done += static_cast<size_t>(count);
+    }
+    return close(fd) == 0;
+}
+
+} // namespace
+
+void write_png(const picture &shown, const std::string &path) {
+    const std::vector<uint8_t> file = encode(shown);
+    const std::string unfinished = path + ".part";
+    if (!write_whole(unfinished, file) || std::rename(unfinished.c_str(), path.c_str()) != 0) {
         std::string reason = system_reason("cannot write " + path);
         std::remove(unfinished.c_str());
         throw failure(reason);
