@@ -41,7 +41,7 @@ album::album(const shared_screen &screen, std::string folder, std::string expect
 }
 
 std::string album::take(const std::string &file) {
-    const std::string path = place(m_folder, file);
+    std::string path = place(m_folder, file);
     const screen_shape &shape = m_screen.shape();
     const picture shot = {shape.width, shape.height, picture_as_rgb(shape, m_screen.pixels())};
     write_png(shot, path);

@@ -99,7 +99,7 @@ std::string absolute_folder(const std::string &path) {
 constexpr const char *k_virtual_zone = "UTC0";
 
 host_setup setup_for(const options &run, const run_folder &folder, const shared_screen &screen,
-                     const virtual_clock *clock) {
+                     const std::optional<virtual_clock> &clock) {
     host_setup setup = {
         .arguments = run.host,
         .variables = {{"UX_SIM_MEMORY", screen.path()},
@@ -109,8 +109,8 @@ host_setup setup_for(const options &run, const run_folder &folder, const shared_
                       {"UX_SIM_ROOT", run.root.empty() ? "" : absolute_folder(run.root)}},
         .preload = folder.preload_name(find_shim()),
     };
-    setup.variables.emplace_back("UX_SIM_CLOCK", clock == nullptr ? "" : clock->path());
-    if (clock != nullptr) {
+    setup.variables.emplace_back("UX_SIM_CLOCK", clock ? clock->path() : "");
+    if (clock) {
         setup.variables.emplace_back("TZ", k_virtual_zone);
     }
     return setup;
@@ -133,7 +133,7 @@ class runner {
             m_recorder.emplace(run.record, m_folder.queue());
         }
         tell(run, "queue path " + m_folder.queue_path());
-        host_setup setup = setup_for(run, m_folder, m_screen, m_clock.get());
+        host_setup setup = setup_for(run, m_folder, m_screen, m_clock);
         setup.variables.emplace_back("UX_SIM_RECORD", m_recorder ? m_recorder->path() : "");
         m_begun = now();
         m_started = steady::now();
@@ -173,10 +173,11 @@ class runner {
         }
     }
 
-    static std::unique_ptr<virtual_clock> clock_for(const options &run) {
-        return run.virtual_time ? std::make_unique<virtual_clock>(run.first_second,
-                                                                  std::chrono::seconds(run.stall_s))
-                                : nullptr;
+    static std::optional<virtual_clock> clock_for(const options &run) {
+        using clock = std::optional<virtual_clock>;
+        return run.virtual_time
+                   ? clock(std::in_place, run.first_second, std::chrono::seconds(run.stall_s))
+                   : clock();
     }
 
     // The time by which host and script live.
@@ -314,7 +315,7 @@ class runner {
     signal_watch m_signals;
     run_folder m_folder;
     shared_screen m_screen;
-    std::unique_ptr<virtual_clock> m_clock; // null = real time
+    std::optional<virtual_clock> m_clock; // none = real time
     screen_watch m_watch;
     delivery m_input;
     std::unique_ptr<viewer> m_viewer;

@@ -41,7 +41,7 @@ static int64_t now_ns(void) {
 }
 
 void shim_record(int queue, const void *message, size_t bytes) {
-    if (s_share == NULL || queue != s_share->queue) {
+    if (s_share == NULL || queue != s_share->queue || bytes < 2 * sizeof(int32_t)) {
         return;
     }
     int saved_errno = errno;

@@ -111,6 +111,13 @@ EXPORT int pthread_mutex_timedlock(pthread_mutex_t *restrict mutex,
                              : next(mutex, limit);
 }
 
+EXPORT int pthread_mutex_clocklock(pthread_mutex_t *restrict mutex, clockid_t clock,
+                                   const struct timespec *restrict limit) {
+    FIND_NEXT(pthread_mutex_clocklock, EINVAL)
+    return shim_clock_mine() ? lock_until(take_mutex, mutex, shim_clock_from_absolute(limit))
+                             : next(mutex, clock, limit);
+}
+
 EXPORT int pthread_rwlock_rdlock(pthread_rwlock_t *lock) {
     FIND_NEXT(pthread_rwlock_rdlock, EINVAL)
     return shim_clock_mine() ? lock_until(take_to_read, lock, SIM_CLOCK_NEVER) : next(lock);
@@ -252,4 +259,11 @@ EXPORT int sem_timedwait(sem_t *restrict semaphore, const struct timespec *restr
     FIND_NEXT(sem_timedwait, -1)
     return shim_clock_mine() ? pass_until(semaphore, shim_clock_from_absolute(limit))
                              : next(semaphore, limit);
+}
+
+EXPORT int sem_clockwait(sem_t *restrict semaphore, clockid_t clock,
+                         const struct timespec *restrict limit) {
+    FIND_NEXT(sem_clockwait, -1)
+    return shim_clock_mine() ? pass_until(semaphore, shim_clock_from_absolute(limit))
+                             : next(semaphore, clock, limit);
 }

@@ -136,6 +136,15 @@ static void timed_locks(void) {
     limit = date_at(200);
     CHECK(sem_wait(&semaphore) == 0 && now_ms() == 90);
     CHECK(sem_timedwait(&semaphore, &limit) == -1 && errno == ETIMEDOUT && now_ms() == 200);
+    clock_gettime(CLOCK_MONOTONIC, &limit);
+    ++limit.tv_sec;
+    CHECK(sem_clockwait(&semaphore, CLOCK_MONOTONIC, &limit) == -1 && now_ms() == 1200);
+    ++limit.tv_sec;
+    CHECK(pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &limit) == ETIMEDOUT);
+    CHECK(now_ms() == 2200);
+    ++limit.tv_sec;
+    CHECK(pthread_cond_clockwait(&condition, &mutex, CLOCK_MONOTONIC, &limit) == ETIMEDOUT);
+    CHECK(now_ms() == 3200);
 }
 
 /* --- threads --- */
