@@ -51,6 +51,9 @@ steady::time_point player::next_look(steady::time_point now) const {
 }
 
 std::string player::where() const {
+    if (finished()) {
+        return "the end of the script";
+    }
     const script_step &step = m_script.steps[m_at];
     return "line " + std::to_string(step.line) + " (" + step.text + ")";
 }

@@ -35,6 +35,9 @@ class player {
     // Before this moment another step() changes nothing, unless the host ends.
     steady::time_point next_look(steady::time_point now) const;
 
+    // The step in progress depends on what the screen watch sees.
+    bool watches() const { return !finished() && m_script.steps[m_at].what == verb::wait_still; }
+
     // "line 3 (wait still 300)", of the step in progress.
     std::string where() const;
 

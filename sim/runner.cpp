@@ -212,7 +212,7 @@ class runner {
     std::optional<int> pass() {
         const auto ended = m_host->poll();
         const auto time = now();
-        const bool watching = m_player || m_viewer;
+        const bool watching = m_viewer || (m_player && m_player->watches());
         const row_range changed = watching ? m_watch.look(time) : row_range{};
         if (!ended) {
             m_input.step(time);

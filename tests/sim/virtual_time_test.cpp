@@ -115,6 +115,28 @@ TEST_F(virtual_time, keys_and_touches_arrive) {
     EXPECT_EQ(shot("a.png").at(40, 20), 0xffffffu);
 }
 
+TEST_F(virtual_time, an_empty_script_ends_the_run_at_once) {
+    play("# nothing\n");
+    EXPECT_EQ(m_status, 0) << m_err;
+    play("", {TIME_PROBE, "spin"}, {"--timeout", "1"});
+    EXPECT_EQ(m_status, 1);
+    EXPECT_EQ(m_err, "ux-sim: the run took longer than 1 s at the end of the script\n");
+}
+
+TEST_F(virtual_time, ten_thousand_keys_take_seconds) {
+    std::string script;
+    for (int key = 0; key < 10000; ++key) {
+        script += "key " + std::to_string(key % 200) + "\n";
+    }
+    const auto begun = std::chrono::steady_clock::now();
+    play(script + "wait still 60\nshot last.png\n");
+    EXPECT_EQ(m_status, 0) << m_err;
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 3 * k_quick);
+    // Sixteen boxes in a row of the screen, eight rows: the keys 0 to 127.
+    EXPECT_EQ(shot("last.png").at(0, 0), 0x0000ffu);
+    EXPECT_EQ(shot("last.png").at(60, 28), 0x007fffu);
+}
+
 TEST_F(virtual_time, a_late_start_is_waited_for) {
     play("key ok\nwait still 60\nshot late.png\n", {FB_HOST, "--start-late"});
     EXPECT_EQ(m_status, 0) << m_err;
