@@ -2,7 +2,8 @@
  * Runs in the simulator's virtual time and looks at it through ordinary calls. `time-probe NAME`
  * carries out one check; a check that does not hold is told on standard error and ends with status
  * 1. Every expectation of a moment is in milliseconds since the run began, and exact. */
-#include <errno.h>
+#include "tests/sim/probe.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
@@ -10,9 +11,6 @@
 #include <semaphore.h>
 #include <signal.h>
 #include <stdatomic.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
 #include <sys/epoll.h>
 #include <sys/ipc.h>
 #include <sys/msg.h>
@@ -22,15 +20,6 @@
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
-
-#define CHECK(condition)                                                                           \
-    do {                                                                                           \
-        if (!(condition)) {                                                                        \
-            fprintf(stderr, "%s:%d: %s (errno %d, %lld ms)\n", __func__, __LINE__, #condition,     \
-                    errno, now_ms());                                                              \
-            exit(1);                                                                               \
-        }                                                                                          \
-    } while (0)
 
 static const long long k_start_s = 1735689600; /* 2025-01-01 00:00:00 UTC */
 
@@ -467,10 +456,7 @@ static void killed(void) {
     raise(SIGKILL);
 }
 
-static const struct {
-    const char *name;
-    void (*check)(void);
-} k_checks[] = {
+static const struct probe_check k_checks[] = {
     {"clocks", clocks},
     {"sleeps", sleeps},
     {"timed_waits", timed_waits},
@@ -493,12 +479,5 @@ static const struct {
 };
 
 int main(int argc, char **argv) {
-    for (size_t at = 0; at < sizeof k_checks / sizeof *k_checks; ++at) {
-        if (argc == 2 && strcmp(argv[1], k_checks[at].name) == 0) {
-            k_checks[at].check();
-            return 0;
-        }
-    }
-    fprintf(stderr, "no such check\n");
-    return 2;
+    return run_probe(k_checks, sizeof k_checks / sizeof *k_checks, argc, argv);
 }
