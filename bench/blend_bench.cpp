@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Blending a full-screen block.
+// Blending a full-screen block, and a page's background colour.
 
 #include "bench/bench_screen.h"
 #include "bench/peers.h"
 
+#include <cstdio>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -20,7 +22,7 @@ uint32_t *block(alpha kind) {
             const uint32_t a = kind == alpha::mixed    ? static_cast<uint32_t>(i * 7 % 256)
                                : kind == alpha::opaque ? 255u
                                                        : 0u;
-            pixels[i] = a << 24 | static_cast<uint32_t>(i * 2654435761u >> 8);
+            pixels[i] = a << 24 | static_cast<uint32_t>(i * 2654435761u) >> 8;
         }
     }
     return pixels;
@@ -68,4 +70,17 @@ void register_blend() {
     contender("blend opaque/memcpy", [] { copy(); });
     contender("blend transparent/ux", [] { blend(alpha::transparent); });
     contender("blend transparent/memcpy", [] { copy(); });
+    for (const uint32_t color : {0x80336699u, 0xFF336699u, 0x00336699u}) {
+        char task[32];
+        snprintf(task, sizeof task, "page color %08X", color);
+        contender((task + std::string("/ux")).c_str(),
+                  [color] { ux_update_BGcolor(0, 0, k_width, k_height, color); });
+        contender((task + std::string("/memset")).c_str(),
+                  [] { memset(main_screen.buf, 0x33, k_screen_bytes); });
+    }
+    contender("page color 200x100/ux", [] { ux_update_BGcolor(40, 40, 200, 100, 0x80336699u); });
+    contender("page color 200x100/memset", [] {
+        for (int row = 40; row < 140; row++)
+            memset(screen_pixels() + row * k_width + 40, 0x33, 200 * 4);
+    });
 }

@@ -26,10 +26,15 @@ int main(int argc, char **argv) {
     register_blit();
     register_blend();
     register_convert();
+    register_decode();
     register_scale();
     register_text();
+    register_string();
+    register_ticker();
     register_page();
+    register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
+    report_ticker_share();
     return 0;
 }

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What an installation holds: the header, libux, the PC stand-in for the chip, and what lets other
-# builds find them (a CMake package and ux.pc). Included after both libraries are defined.
+# What an installation holds: the headers, libux, the PC stand-in for the chip, and what lets other
+# builds find them (a CMake package, ux.pc and
+# ux-bitmap.pc). Included after both libraries are defined.
 
 set(UX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ux)
 
@@ -36,4 +37,6 @@ foreach(kind LIB INCLUDE)
     endif()
 endforeach()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/ux.pc.in ${PROJECT_BINARY_DIR}/ux.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/ux.pc DESTINATION ${UX_PC_DIR})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/ux-bitmap.pc.in ${PROJECT_BINARY_DIR}/ux-bitmap.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ux.pc ${PROJECT_BINARY_DIR}/ux-bitmap.pc
+    DESTINATION ${UX_PC_DIR})

@@ -19,7 +19,13 @@ set(UX_SOURCES
     font/draw_string.cpp
     font/glyph_request.cpp
     font/string_buffer.cpp
+    font/string_overlay.cpp
+    font/glyph_session.cpp
+    font/line_reader.cpp
     font/text_layout.cpp
+    font/ticker.cpp
+    font/ticker_band.cpp
+    font/ticker_box.cpp
     font/utf8.cpp
     font/uxFont.cpp
     font/uxFontBoxDrawing.cpp
@@ -38,13 +44,16 @@ set(UX_SOURCES
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
     widgets/key_capture.cpp
+    widgets/multi_tap.cpp
     widgets/sign.cpp
     widgets/uxButtonList.cpp
     widgets/uxCheckBox.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxSelectBox.cpp
     widgets/uxSlider.cpp
     widgets/uxTextButton.cpp
+    widgets/uxTextField.cpp
     widgets/uxTextLabel.cpp
     widgets/widget_kit.cpp
 )

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Strings of the engine on the screen: fitted to a box, aligned in it, laid over what is there.
 
-#include "graphics/surface.h"
+#include "font/string_overlay.h"
+#include "ux.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,7 +14,7 @@ namespace {
 constexpr int k_alignments = 9; // three columns of places times three rows
 constexpr int k_places = 3;
 
-enum place { k_near, k_middle, k_far }; // left or top, centre, right or bottom
+enum { k_near, k_middle, k_far }; // places: left or top, centre, right or bottom
 
 // One axis of a string in its box.
 struct span {
@@ -43,34 +44,38 @@ uint32_t visible_count(const span &along, int screen) {
     return along.target < size ? std::min(along.count, size - along.target) : 0;
 }
 
-// Pixels of value 0 are transparent.
-template <class Word>
-void lay_over(Word *screen, const Word *string, uint32_t count) {
-    for (uint32_t i = 0; i < count; i++)
-        if (string[i] != 0)
-            screen[i] = string[i];
-}
+// A rendered string: packed rows of pixels as wide as the screen's.
+struct rendered_string {
+    const uint8_t *pixels;
+    uint32_t width, height;
+    uint32_t fg, bg;
 
-template <class Word>
-void lay_rows(const void *string, uint32_t width, const span &across, const span &down) {
+    uint32_t pixel_bytes() const { return static_cast<uint32_t>(main_screen.bytes_per_pixel); }
+    int64_t pitch_bytes() const { return int64_t{width} * pixel_bytes(); }
+
+    bool shows(uint32_t color) const { return color << (32 - 8 * pixel_bytes()) != 0; }
+
+    // No pixel is transparent. What is below a low cell is so down to the last row.
+    bool is_opaque() const {
+        return height > 0 && shows(fg) && shows(bg) &&
+               !has_transparent(pixels + (height - 1) * pitch_bytes(), width, pixel_bytes());
+    }
+};
+
+void lay_string(const rendered_string &string, const span &across, const span &down) {
     const uint32_t columns = visible_count(across, main_screen.width);
     const uint32_t rows = visible_count(down, main_screen.height);
-    if (columns == 0 || !main_screen.buf)
+    if (columns == 0 || rows == 0 || !main_screen.buf)
         return;
-    auto *screen = reinterpret_cast<Word *>(main_screen.buf);
-    const auto *source = static_cast<const Word *>(string);
-    for (uint32_t r = 0; r < rows; r++)
-        lay_over(screen + (int64_t{down.target} + r) * main_screen.width + across.target,
-                 source + (uint64_t{down.source} + r) * width + across.source, columns);
-}
-
-void lay_string(const void *string, uint32_t width, const span &across, const span &down) {
-    if (main_screen.bytes_per_pixel == sizeof(word32))
-        lay_rows<word32>(string, width, across, down);
-    else if (main_screen.bytes_per_pixel == sizeof(word16))
-        lay_rows<word16>(string, width, across, down);
-    else if (main_screen.bytes_per_pixel == sizeof(uint8_t))
-        lay_rows<uint8_t>(string, width, across, down);
+    const int64_t pixel_bytes = string.pixel_bytes();
+    const int64_t screen_pitch = main_screen.width * pixel_bytes;
+    const pixel_rows target = {
+        main_screen.buf + down.target * screen_pitch + across.target * pixel_bytes, screen_pitch};
+    const const_pixel_rows source = {string.pixels + down.source * string.pitch_bytes() +
+                                         across.source * pixel_bytes,
+                                     string.pitch_bytes()};
+    const auto lay = string.is_opaque() ? copy_over : lay_over;
+    lay(target, source, columns, rows, string.pixel_bytes());
 }
 
 // The largest size whose space fits into `height` rows goes to `size`, which is left alone when
@@ -106,7 +111,8 @@ int ux_draw_string(const char *text, int size, uint32_t fg, uint32_t bg, int x, 
     }
     if (align < 0 || align >= ux::k_alignments)
         align = 0;
-    ux::lay_string(string, width, ux::place_along(x, w, width, align % ux::k_places),
+    ux::lay_string({static_cast<const uint8_t *>(string), width, height, fg, bg},
+                   ux::place_along(x, w, width, align % ux::k_places),
                    ux::place_along(y, h, height, align / ux::k_places));
     free(string);
     return 0;

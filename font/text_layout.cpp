@@ -3,25 +3,10 @@
 
 #include "font/text_layout.h"
 
-#include <algorithm>
-#include <bit>
-#include <cstdio>
+#include "font/glyph_bits.h"
 
 namespace ux {
 namespace {
-
-constexpr int k_byte_bits = 8;
-
-// The bits of `byte` from the leftmost on: calls store(column) for each that is set.
-template <class Store>
-void for_each_bit(uint8_t byte, Store store) {
-    uint32_t bits = uint32_t{byte} << 24;
-    while (bits != 0) {
-        const int column = std::countl_zero(bits);
-        store(column);
-        bits ^= 0x80000000u >> column;
-    }
-}
 
 constexpr int k_half = k_byte_bits / 2;
 
@@ -86,15 +71,11 @@ void paint_inside(word32 *pixels, int64_t stride, const bitmap &glyph, uint32_t 
     }
 }
 
-void report_unknown_pixel() {
-    fprintf(stderr, "Unknown bpp : %d\n", main_screen.bytes_per_pixel);
-}
-
 } // namespace
 
 text_canvas::text_canvas(const text_box &box)
     : m_target(text_surface<argb8888>(main_screen)), m_box(box),
-      m_baseline(int64_t{box.line_height} * 4 / 5),
+      m_baseline(baseline_of(box.line_height)),
       m_has_pixels(box.width > 0 && box.height > 0 && box.visible && m_target.count > 0),
       m_unknown_pixel(main_screen.bytes_per_pixel != sizeof(argb8888::word)) {
     const int64_t first = m_target.index(box.x, box.y);
@@ -104,15 +85,11 @@ text_canvas::text_canvas(const text_box &box)
     m_origin = m_lies_inside ? m_target.pixels + first : nullptr;
 }
 
-// Rows are counted from the line's top. A glyph that begins above it is shown from its first bitmap
-// row on, moved down, and loses its last rows.
 void text_canvas::paint(const fss_glyph *glyph, int64_t line_row, int64_t pen) {
-    const int64_t glyph_top = m_baseline - glyph->top;
-    const int64_t first = std::max<int64_t>(glyph_top, 0);
-    const int64_t end = std::min<int64_t>(glyph_top + glyph->rows, m_box.height);
+    const auto [first, end] = rows_of_glyph(*glyph, m_baseline, m_box.height);
     if (first >= end || glyph->pitch <= 0 || (!m_has_pixels && !m_unknown_pixel))
         return;
-    const auto *bits = reinterpret_cast<const uint8_t *>(glyph + 1);
+    const uint8_t *bits = bits_of(*glyph);
     const int64_t column = pen + glyph->left;
     const bool in_row = column >= 0 && column + glyph->pitch * k_byte_bits <= m_box.width;
     if (m_lies_inside && in_row && line_row + end <= m_box.height) {

@@ -13,15 +13,6 @@
 
 namespace ux {
 
-// Sets the size of glyphs in pixels.
-inline void set_scale(int size_x, int size_y) {
-    constexpr int k_fixed_point_bits = 16;
-    const auto fixed = [](int size) {
-        return static_cast<int32_t>(static_cast<uint32_t>(size) << k_fixed_point_bits);
-    };
-    FSS_set_scale(fixed(size_x), 0, 0, fixed(size_y));
-}
-
 struct text_box {
     int x, y, width, height; // the canvas on the screen
     int line_height;         // also the vertical glyph size
@@ -52,9 +43,12 @@ class text_canvas {
 // Where the next glyph goes.
 class text_pen {
   public:
+    // `lines` is how many whole lines there are.
+    text_pen(int64_t width, int64_t line_height, int64_t lines)
+        : m_width(width), m_line_height(line_height), m_lines(lines) {}
     explicit text_pen(const text_box &box)
-        : m_width(box.width), m_line_height(box.line_height),
-          m_lines(box.line_height == 0 ? 0 : int64_t{box.height} / box.line_height) {}
+        : text_pen(box.width, box.line_height,
+                   box.line_height == 0 ? 0 : int64_t{box.height} / box.line_height) {}
 
     // Moves to where a glyph of `advance` pixels goes, to a new line if need be; false when there
     // is no whole line left.
@@ -73,24 +67,24 @@ class text_pen {
 
     void move_on(int advance) { m_column += advance; }
     int64_t column() const { return m_column; }
+    int64_t line() const { return m_line; }
     int64_t line_row() const { return m_line * m_line_height; }
 
   private:
     int64_t m_width;
     int64_t m_line_height;
-    int64_t m_lines;      // whole lines in the box
+    int64_t m_lines;      // whole lines that there are
     int64_t m_line = 0;   // present line
     int64_t m_pen = 0;    // advances since the line's start, the present glyph's included
     int64_t m_column = 0; // where the present glyph's cell begins
 };
 
-// Draws `count` glyphs: code(k) is the k-th character code, is_break(k) whether it ends the line. A
-// code without glyph is skipped; a break's glyph is painted at the start of the new line and takes
-// no room. The caller has set the scale.
-template <class Code, class IsBreak>
-void draw_glyphs(const text_box &box, int count, Code code, IsBreak is_break) {
-    text_canvas canvas(box);
-    text_pen pen(box);
+// Walks over `count` glyphs with the pen: code(k) is the k-th character code, is_break(k) whether
+// it ends the line; visit(glyph, line_row, column) sees each glyph where its cell begins, until
+// there is no whole line left. A code without glyph is skipped; a break's glyph lies at the start
+// of the new line and takes no room. The caller holds a glyph_session.
+template <class Code, class IsBreak, class Visit>
+void walk_glyphs(text_pen &pen, int count, Code code, IsBreak is_break, Visit visit) {
     for (int k = 0; k < count; k++) {
         fss_glyph *glyph = FSS_get_bitmap(code(k));
         if (!glyph)
@@ -99,13 +93,24 @@ void draw_glyphs(const text_box &box, int count, Code code, IsBreak is_break) {
         const int advance = breaks ? 0 : glyph->advance;
         const bool fits = pen.place(advance, breaks);
         if (fits) {
-            canvas.paint(glyph, pen.line_row(), pen.column());
+            visit(glyph, pen.line_row(), pen.column());
             pen.move_on(advance);
         }
         FSS_free_char(glyph);
         if (!fits)
             return;
     }
+}
+
+// Draws `count` glyphs in the box; see walk_glyphs().
+template <class Code, class IsBreak>
+void draw_glyphs(const text_box &box, int count, Code code, IsBreak is_break) {
+    text_canvas canvas(box);
+    text_pen pen(box);
+    walk_glyphs(pen, count, code, is_break,
+                [&](const fss_glyph *glyph, int64_t line_row, int64_t column) {
+                    canvas.paint(glyph, line_row, column);
+                });
 }
 
 } // namespace ux

@@ -3,6 +3,7 @@
 // the text on top, which then replaces the screen's box. No canvas is made: each row of the screen
 // is zeroed and blended in place, and the ink follows.
 
+#include "font/glyph_session.h"
 #include "font/text_layout.h"
 #include "font/unit_text.h"
 #include "graphics/blend.h"
@@ -79,7 +80,7 @@ int uxFontBoxDrawing(const void *text, uint32_t fg, const char *image_path, int 
     const int count = text ? units.length() : 0;
     if (count == 0 || count == UX_TEXT_UNITS)
         return 0;
-    ux::set_scale(size_x, size_y);
+    const ux::glyph_session session(size_x, size_y);
     const ux::text_box box = {x, y, w, h, size_y, fg, true};
     void *picture = image_path ? ux_load_image(image_path, w, h) : nullptr;
     const bool can_blend = main_screen.bytes_per_pixel == sizeof(ux::word32);

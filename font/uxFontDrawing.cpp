@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The software text drawers: the widgets' one over 16-bit texts, and the reference one over UTF-8.
+// The scrolling modes of the first are in ticker.h.
 
+#include "font/glyph_bits.h"
+#include "font/glyph_session.h"
 #include "font/text_layout.h"
+#include "font/ticker.h"
 #include "font/unit_text.h"
 
-#include <cstdio>
 #include <cstring>
 
 namespace ux {
@@ -29,7 +32,7 @@ void draw_once(const text_box &box, const unit_text &text) {
 
 void set_pixel_bmp(uint8_t *canvas, int width, int x, int y, uint32_t color) noexcept {
     if (main_screen.bytes_per_pixel != sizeof(ux::argb8888::word)) {
-        fprintf(stderr, "Unknown bpp : %d\n", main_screen.bytes_per_pixel);
+        ux::report_unknown_pixel();
         return;
     }
     const int64_t element = int64_t{y} * width + x;
@@ -40,7 +43,7 @@ void set_pixel_bmp(uint8_t *canvas, int width, int x, int y, uint32_t color) noe
 
 int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
                          int size_x, int size_y) noexcept {
-    ux::set_scale(size_x, size_y);
+    const ux::glyph_session session(size_x, size_y);
     uint32_t pairs[ux::k_max_words] = {};
     const int count = UTF8to16(text, pairs) / 2;
     const int bytes = text ? static_cast<int>(strnlen(text, ux::k_max_words)) : 0;
@@ -52,13 +55,20 @@ int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int x, int 
 }
 
 int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
-                  int size_x, int size_y, int, int mode) noexcept {
-    if (mode == ux::k_mode_ticker_up || mode == ux::k_mode_ticker_left)
-        return -1;
-    if (mode != ux::k_mode_once)
+                  int size_x, int size_y, int step, int mode) noexcept {
+    switch (mode) {
+    case ux::k_mode_once: {
+        const ux::glyph_session session(size_x, size_y);
+        if (text)
+            ux::draw_once({x, y, w, h, size_y, fg, fg != bg}, ux::unit_text(text));
         return 0;
-    ux::set_scale(size_x, size_y);
-    if (text)
-        ux::draw_once({x, y, w, h, size_y, fg, fg != bg}, ux::unit_text(text));
-    return 0;
+    }
+    case ux::k_mode_ticker_up:
+    case ux::k_mode_ticker_left:
+        return ux::run_ticker(static_cast<const char *>(text), {fg, bg, x, y, w, h, step},
+                              mode == ux::k_mode_ticker_up ? ux::scrolling::up
+                                                           : ux::scrolling::left);
+    default:
+        return 0;
+    }
 }

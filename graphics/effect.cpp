@@ -4,9 +4,10 @@
 
 #include "graphics/effect.h"
 
+#include "graphics/host_flags.h"
+
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 namespace ux {
@@ -164,14 +165,10 @@ int64_t pace_of(const placed_block &block, int effect) {
     return std::max<int64_t>(1, main_screen.height / block.height);
 }
 
-bool is_set(const char *name, const char *value) {
-    const char *present = getenv(name);
-    return present && strcmp(present, value) == 0;
-}
-
-// Other parts of the player may raise a flag at any time: both are read after each step.
+// Other parts of the player may raise a flag at any time: they are read after each step, the second
+// only if the first does not stop the effect.
 bool host_stops() {
-    if (!is_set("STATUS", "gotoMenu") && !is_set("ShowMSG", "YES"))
+    if (!host_goes_to_menu() && !host_shows_message())
         return false;
     setenv("PHOTO_PLAYING", "NO", 1);
     return true;

@@ -13,6 +13,8 @@
 namespace ux {
 namespace {
 
+constexpr size_t k_uncached_alignment = 32;
+
 // The decode that is going on.
 struct active_decode {
     j_common_ptr object; // null = none
@@ -67,8 +69,8 @@ int read_unscaled(uint8_t *dest, RMJpegFile *jpeg) {
     return UX_BITMAP_SUCCESS;
 }
 
-// Output row k shows source row floor(k * src_height / dst_height); the ones below the last are not
-// read.
+// Output row k shows source row floor(k * src_height / dst_height). Rows between the shown ones are
+// not converted, the ones below the last not read.
 void scale_rows(uint8_t *dest, RMJpegFile *jpeg, uint8_t *row, const nearest_columns &columns) {
     const size_t out_bytes = size_t{jpeg->dst_width} * k_pixel_bytes;
     uint32_t next = 0; // source row that libjpeg gives next
@@ -80,24 +82,34 @@ void scale_rows(uint8_t *dest, RMJpegFile *jpeg, uint8_t *row, const nearest_col
             memcpy(out, out - out_bytes, out_bytes);
             continue;
         }
-        for (; next <= wanted; next++)
-            read_row(jpeg, row);
+        if (next < wanted)
+            jpeg_skip_scanlines(&jpeg->cinfo, wanted - next);
+        read_row(jpeg, row);
+        next = wanted + 1;
         scale_row(pixels(out), pixels(row), columns);
         set_alpha(out, jpeg->dst_width, jpeg->alpha);
     }
 }
 
+// libjpeg's colour conversion stores rows at multiples of 32 bytes past the caches, and this one is
+// read again at once.
+uint8_t *row_in(uint8_t *memory) {
+    return memory + k_uncached_alignment -
+           reinterpret_cast<uintptr_t>(memory) % k_uncached_alignment + k_uncached_alignment / 2;
+}
+
 int read_scaled(uint8_t *dest, RMJpegFile *jpeg) {
-    auto *row = static_cast<uint8_t *>(calloc(jpeg->src_width, k_pixel_bytes));
-    if (!row)
+    const size_t row_bytes = size_t{jpeg->src_width} * k_pixel_bytes;
+    auto *memory = static_cast<uint8_t *>(calloc(1, row_bytes + 2 * k_uncached_alignment));
+    if (!memory)
         return UX_BITMAP_FAILURE;
     const nearest_columns columns(static_cast<int32_t>(jpeg->src_width),
                                   static_cast<int32_t>(jpeg->dst_width));
     const bool failed = UX_LAND_ON_ERROR(&jpeg->cinfo) != 0;
     if (!failed)
-        scale_rows(dest, jpeg, row, columns);
+        scale_rows(dest, jpeg, row_in(memory), columns);
     disarm();
-    free(row);
+    free(memory);
     return failed ? UX_BITMAP_FAILURE : UX_BITMAP_SUCCESS;
 }
 

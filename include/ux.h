@@ -17,7 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop() and send_pipe_event().
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event() and,
+ * as told there, ux_event_get() and the tickers, which need a thread of their own.
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.
@@ -72,7 +73,9 @@ extern "C" {
 #define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
+#define UX_TYPE_TEXT_FIELD 0x0000000Eu   /* ux_text_field */
 #define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
+#define UX_TYPE_SELECT_BOX 0x00000027u   /* ux_select_box */
 #define UX_TYPE_CHECK_BOX 0x00000028u    /* ux_check_box */
 #define UX_TYPE_BUTTON_LIST 0x80000014u  /* ux_button_list */
 
@@ -125,6 +128,9 @@ enum {
     UX_KEY_SHIFT = 34,
     UX_KEY_PUNCTUATION = 35
 };
+
+/* What a text field takes (ux_text_field.input_type); any other value is as the first. */
+enum { UX_INPUT_ALPHANUMERIC = 0, UX_INPUT_NUMERIC = 1 };
 
 /* Pixel formats of the screen (ux_screen.color_mode). */
 enum { UX_COLOR_MODE_ARGB8888 = 1, UX_COLOR_MODE_RGB565 = 3 };
@@ -456,7 +462,9 @@ UX_API int ux_event_close(void) UX_NOEXCEPT;
  * 0, or -1 when the ring is full. */
 UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
 
-/* Takes the oldest event out into `ev`. Returns 0, or -2 when there is none. */
+/* Takes the oldest event out into `ev`. Only one thread at a time may do so: the main loop, or,
+ * while a handler runs and the loop stands still, a thread that the handler starts and waits for.
+ * Returns 0, or -2 when there is none. */
 UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 
 /* The event thread: reads messages from the pipe into the ring. */
@@ -622,9 +630,10 @@ UX_API void *ux_load_image_transparent(const char *path, int width, int height,
  * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
  * draws at once; 1 to 8 reveal the block step by step with pauses of 3 ms, until it is whole or the
  * host sets the environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which
- * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. A block that does not fit on the screen
- * must not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the
- * screen or an unknown pixel format. */
+ * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. docs/effects.md shows each half way, and
+ * the order of effect 8: a clockwise spiral of tiles. A block that does not fit on the screen must
+ * not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the screen
+ * or an unknown pixel format. */
 UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                               int effect) UX_NOEXCEPT;
 
@@ -740,8 +749,8 @@ UX_API int DrawFontToBitmapTEST(const char *text, uint32_t fg, uint32_t bg, int 
 /* Draws text in the box (x, y, w, h) of `fb`. Mode 1: `text` is 16-bit units ended by a zero unit,
  * at most 127; units 13 and 10 break the line, lines wrap at the glyph that crosses the right edge,
  * and the text is cut at the last whole line of size_y pixels. `fg` is the ink; `bg` the
- * transparent key: nothing shows when fg == bg. `step` is for the ticker. Modes 2 and 4, the
- * ticker, are refused by this version with -1; any other mode does nothing. Returns 0. */
+ * transparent key: nothing shows when fg == bg. `step` is for the ticker. Modes 2 and 4 are the
+ * ticker, see below; any other mode does nothing. Returns 0. */
 UX_API int uxFontDrawing(const void *text, uint32_t fg, uint32_t bg, int x, int y, int w, int h,
                          int size_x, int size_y, int step, int mode) UX_NOEXCEPT;
 
@@ -756,6 +765,64 @@ UX_API int uxFontBoxDrawing(const void *text, uint32_t fg, const char *image_pat
  * (nothing is written when capacity is 0). Characters above U+FFFF become surrogate pairs; invalid
  * bytes become U+FFFD. Returns the units that the whole text needs, without the zero unit. */
 UX_API size_t ux_text_from_utf8(char16_t *out, size_t capacity, const char *utf8) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Ticker                                                                                         */
+/* ============================================================================================== */
+
+/* uxFontDrawing() with mode 2 or 4 shows the lines of the file named `text` (a path, bytes) in the
+ * box (x, y, w, h) of `fb`, one after the other and again from the first, until the host stops it.
+ * The size of the text is h; size_x and size_y are not looked at. `fg` is the ink; elsewhere the
+ * screen shines through as it was before the first frame. `bg` equal to `fg` shows nothing.
+ *
+ * - Mode 2 scrolls up: the line, wrapped at w, each row h high with its baseline at h * 4 / 5,
+ * comes in from below and leaves at the top, `step` rows per frame of 5 ms; half a second after its
+ * end the next one follows. A carriage return breaks the line.
+ * - Mode 4 scrolls left: the line comes in from the right and leaves at the left, 4 * `step`
+ * columns per frame of 50 ms. A carriage return is a glyph as any other.
+ *
+ * A `step` of 0 or less never moves. The file is UTF-8, see UTF8to16(); of a line, the first 4,095
+ * bytes and 2,048 characters are shown, up to a zero byte. The file is opened anew for every pass,
+ * so that a host gives it new lines best by rename(2). As long as it is missing, empty or not a
+ * regular file, it is tried again every 10 ms.
+ *
+ * After every frame the ticker reads the environment. It stops when "STATUS" is "gotoMenu",
+ * "ShowMSG" is "YES" or "TICKER_STATE" is "STOP_TICKER": it prints "start clear screen" on standard
+ * output, gives the box back what it showed before, sets "TICKER_PLAYING" to "NO" and returns 0.
+ * Between lines, and while there is no line to show, nothing stops it. A null path is refused with
+ * -1. Without memory it sets "TICKER_PLAYING" to "NO" and returns -2.
+ *
+ * Threads. A ticker returns only when it is stopped, so it runs on a thread of its own beside the
+ * main loop; several may run. Meanwhile nothing else may paint its box, and neither main_screen nor
+ * its memory may change. It is stopped as told here and never cancelled.
+ *
+ * Sharing the environment. C libraries do not promise that getenv(3) and setenv(3) may run at the
+ * same time in two threads: setting a variable that does not exist yet moves the list that the
+ * other thread is reading. These rules leave no race:
+ *
+ * 1. Before the first thread is started, and ux_system_init() starts two, set all four variables,
+ *    and "FontSize", with setenv(3): to the longest value each will have. A flag is set to a value
+ *    that is one byte away from the one that stops, "-ES" for "YES". Keep the pointer that
+ *    getenv(3) gives for each.
+ * 2. From then on nobody calls setenv(3), putenv(3) or unsetenv(3). The host raises or lowers a
+ * flag by storing that one byte through the pointer, as an atomic store (C11: through a volatile
+ *    _Atomic(char) pointer; C++20: std::atomic_ref<char>). The ticker loads every byte atomically
+ *    and so sees the old value or the new one.
+ * 3. The ticker's own setenv(3) of "TICKER_PLAYING" is left. Whoever raises the flag waits for the
+ *    ticker's end (pthread_join(3)) before anything that reads the environment: painting texts
+ * does. That is a frame away, or half a second between lines of mode 2, if the file holds a line at
+ *    all times. The pointer to "TICKER_PLAYING" from before is stale afterwards: ask getenv(3)
+ *    again, now that nobody sets.
+ *    A ticker that ends without being waited for replaces the value in place of the old one; with
+ *    the GNU C library the list stays where it is and old values stay readable. */
+
+/* Scrolls the UTF-8 `text` once to the left through the box, like a line in mode 4, and returns 0;
+ * further arguments are ignored. Prints on standard output: "str_len = %d" with the words decoded;
+ * after every frame "uxWidget STATUS = %s" and "uxWidget ShowMSG = %s" with the present values;
+ * "TICKER FINISH" when the text has passed. Only "STATUS" = "gotoMenu" stops it, as told above.
+ * Without memory it returns -2. */
+UX_API int DrawFontToBitmapMoveLeftFileTEST(const char *text, uint32_t fg, uint32_t bg, int x,
+                                            int y, int w, int h, int step, ...) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Text label                                                                                     */
@@ -982,6 +1049,232 @@ UX_API int ux_image_button_unset_select(ux_obj *button) UX_NOEXCEPT;
 /* ux_obj_set_size() of the button. Returns 0. */
 UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w,
                                     int h) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Text field                                                                                     */
+/* ============================================================================================== */
+
+/* A line of text typed on a telephone keypad. While it has the focus it takes over its page's
+ * handlers of the keys 0 to 9, punctuation, delete and shift. A key types its digit; pressed again
+ * within a second it replaces the character by the next letter on the key: key 2 gives 2, a, b, c,
+ * A, B, C, and 2 again. A numeric field takes digits only, one for every press.
+ *
+ * There is one keypad for all fields: keys that are in progress, capitals, and the page's handlers
+ * are kept once. Take the focus from one field before the next gets it; handlers that the page had
+ * are lost otherwise. Where the page had none, the field's stays and ignores other objects.
+ *
+ * Where its background is 0 it shows black, not the screen: it is blackened before what lies under
+ * it is saved. Size of the text as told for the label. */
+typedef struct ux_text_field {
+    ux_obj obj;                     /* the header */
+    char16_t text[UX_TEXT_UNITS];   /* the content, ended by a zero unit */
+    int32_t mask_char;              /* low byte: shown instead of the content; default '*' */
+    int32_t password;               /* not 0: the mask is shown; default 0 */
+    int32_t limit;                  /* characters; default 256: as many as the record holds */
+    int32_t font_size;              /* pixels; default 16 */
+    int32_t style;                  /* stored only; default 3 */
+    int32_t input_type;             /* UX_INPUT_*; default UX_INPUT_ALPHANUMERIC */
+    uint32_t fg_color;              /* text, normal; default grey */
+    uint32_t bg_color;              /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;        /* text, focused; default grey */
+    uint32_t focus_bg_color;        /* background, focused; default black */
+    uint32_t select_fg_color;       /* stored only; default grey */
+    uint32_t select_bg_color;       /* stored only; default black */
+    uint32_t select_focus_fg_color; /* stored only; default grey */
+    uint32_t select_focus_bg_color; /* stored only; default black */
+} ux_text_field;
+
+/* Makes a field with a copy of `text` (null = empty) and links it into `parent`, which may be null.
+ * Returns null when out of memory. */
+UX_API ux_text_field *ux_text_field_new(ux_container *parent, int x, int y, int w, int h,
+                                        const char16_t *text) UX_NOEXCEPT;
+
+/* Copies `text` up to its zero unit and zeroes the rest of the record's text; of a 128th unit only
+ * the low byte is kept. Null zeroes the first two units only. Returns 0. */
+UX_API int ux_text_field_set_text(ux_text_field *field, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores `n`, or 255 when it is larger, as the number of characters that the field takes. It takes
+ * no key while it holds more. Characters that fill it, and one beyond, are not painted before the
+ * next show; an odd number n is never reached, since the character that fills the field cuts it to
+ * (n + 1) / 2 characters. A negative limit refuses every key. Returns 0. */
+UX_API int ux_text_field_set_limit(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* Stores the input type, UX_INPUT_*. The keys change when the field next gets the focus. Returns 0.
+ */
+UX_API int ux_text_field_set_type(ux_text_field *field, int type) UX_NOEXCEPT;
+
+/* Stores the mask character (a byte) and whether it hides the content. One mask byte is shown for
+ * each byte in front of the first zero byte of the content, so plain text of any length shows one
+ * mask character. Returns 0, or -1 when the object is no text field. */
+UX_API int ux_text_field_set_pw_type(ux_text_field *field, int mask_char, int enabled) UX_NOEXCEPT;
+
+/* Stores the style. Returns 0. */
+UX_API int ux_text_field_set_style(ux_text_field *field, int s) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_text_field_set_font(ux_text_field *field, ...) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset. Returns 0. */
+UX_API int ux_text_field_set_font_size(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_text_field_set_fg_color(ux_text_field *field, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_text_field_set_bg_color(ux_text_field *field, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the text colours of the selected and the selected and focused state. Returns 0. */
+UX_API int ux_text_field_set_fg_scolor(ux_text_field *field, uint32_t select,
+                                       uint32_t select_focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the selected and the selected and focused state. Returns 0. */
+UX_API int ux_text_field_set_bg_scolor(ux_text_field *field, uint32_t select,
+                                       uint32_t select_focus) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_text_field_set_border(ux_text_field *field, int n) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the field. Returns 0. */
+UX_API int ux_text_field_set_size(ux_text_field *field, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the field visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_text_field_show(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field hidden; its pixels stay. Returns 0. */
+UX_API int ux_text_field_hide(ux_obj *field) UX_NOEXCEPT;
+
+/* Shows a visible field, hides a hidden one. Returns 0. */
+UX_API int ux_text_field_repaint(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field focused, makes it its page's focus object and takes over the page's keys; paints
+ * nothing. A character in progress is finished, capitals are off. Returns 0. */
+UX_API int ux_text_field_set_focus(ux_obj *field) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the page its handlers back; paints nothing. It stays the
+ * page's focus object. Returns 0. */
+UX_API int ux_text_field_unset_focus(ux_obj *field) UX_NOEXCEPT;
+
+/* Marks the field selected; paints nothing. Returns 0. */
+UX_API int ux_text_field_set_select(ux_obj *field) UX_NOEXCEPT;
+
+/* Takes the selected mark away; paints nothing. Returns 0. */
+UX_API int ux_text_field_unset_select(ux_obj *field) UX_NOEXCEPT;
+
+/* Key handlers that a focused field installs; an `ev->obj` that is no text field is left alone.
+ * add_char types the key `ev->value` and shows the field, del_char removes the last character and
+ * shows the field, shift_char switches capitals on or off, whatever `ev->obj` is. Return 0. */
+UX_API int ux_text_field_add_char(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_text_field_del_char(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_text_field_shift_char(ux_event *ev) UX_NOEXCEPT;
+
+/* Timeout callback that finishes the character in progress: the next key starts a new one. `ev` is
+ * not used. Returns 0. */
+UX_API int ux_text_field_waitkeytimeout(ux_event *ev) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Select box                                                                                     */
+/* ============================================================================================== */
+
+typedef struct ux_select_box ux_select_box;
+
+/* What a select box tells a host after a key: the index of the new current item. The result is
+ * ignored. The box may be deleted in it. */
+typedef int (*ux_select_box_handler)(ux_select_box *box, int index);
+
+/* One text of a select box, which owns it. The items form a ring. */
+typedef struct ux_select_item {
+    int32_t index;                   /* place in the order of insertion, from 0 */
+    char16_t text[UX_TEXT_UNITS];    /* the text, ended by a zero unit */
+    struct ux_select_item *previous; /* the item before; of the first one the last */
+    struct ux_select_item *next;     /* the item behind; of the last one the first */
+} ux_select_item;
+
+/* Shows one text of several between the signs "<" and ">". While it has the focus, the keys left
+ * and right of its page step through them, around both ends. The signs are measured by
+ * ux_get_char_size() and painted in the size that "FontSize" tells, as the text is. A box shows
+ * black where its background is 0, as a text field does. The border lies between the signs. */
+struct ux_select_box {
+    ux_obj obj;                           /* the header */
+    char16_t text[UX_TEXT_UNITS];         /* copy of the current item's text; not painted */
+    int32_t font_size;                    /* pixels; default 16 */
+    ux_select_item *first;                /* the oldest item, or null */
+    ux_select_item *last;                 /* the newest item, or null */
+    ux_select_item *current;              /* the item shown, or null */
+    int32_t count;                        /* number of items */
+    uint32_t fg_color;                    /* text, normal; default grey */
+    uint32_t bg_color;                    /* background, normal; 0 = the saved one; default black */
+    uint32_t focus_fg_color;              /* text, focused; default grey */
+    uint32_t focus_bg_color;              /* background, focused; default black */
+    ux_select_box_handler change_handler; /* of steps by key; the host's to write; or null */
+};
+
+/* Makes a box without items and links it into `parent`, which may be null. Its `free` slot does not
+ * free the items: call ux_select_box_free_items() before. Returns null when out of memory. */
+UX_API ux_select_box *ux_select_box_new(ux_container *parent, int x, int y, int w,
+                                        int h) UX_NOEXCEPT;
+
+/* Appends an item with a copy of `text` up to its zero unit, at most 128 units (null = empty); the
+ * first one becomes current. Returns 0, or -1 when out of memory. */
+UX_API int ux_select_box_add_item(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Overwrites the text of item `index`, of the first one when it is negative; appends an item when
+ * there are not so many. Paints nothing and leaves the box's own copy as it is. Returns 0. */
+UX_API int ux_select_box_add_items(ux_select_box *box, const char16_t *text, int index) UX_NOEXCEPT;
+
+/* Frees all items. The copy in `text` stays, and is not painted. Returns 0. */
+UX_API int ux_select_box_free_items(ux_select_box *box) UX_NOEXCEPT;
+
+/* Returns the current item's index, or -1 when there is none or the object is no select box. */
+UX_API int ux_select_box_get_pos(const ux_select_box *box) UX_NOEXCEPT;
+
+/* Makes item `index` current; paints nothing and calls no handler. Returns 0, or -1 when there is
+ * no such item, when there are fewer than two items, or when the object is no select box. */
+UX_API int ux_select_box_set_pos(ux_select_box *box, int index) UX_NOEXCEPT;
+
+/* Makes the first item with exactly this text current; paints nothing and calls no handler. Returns
+ * 0, or -1 when there is none, when there are fewer than two items, or when the object is no select
+ * box. */
+UX_API int ux_select_box_set_text(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colours of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_fg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the backgrounds of the normal and the focused state. Returns 0. */
+UX_API int ux_select_box_set_bg_color(ux_select_box *box, uint32_t normal,
+                                      uint32_t focus) UX_NOEXCEPT;
+
+/* Stores the font size in pixels, used while "FontSize" is unset. Returns 0. */
+UX_API int ux_select_box_set_font_size(ux_select_box *box, int n) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_select_box_set_font(ux_select_box *box, ...) UX_NOEXCEPT;
+
+/* Marks the box visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_select_box_show(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box hidden; its pixels stay. Returns 0. */
+UX_API int ux_select_box_hide(ux_obj *box) UX_NOEXCEPT;
+
+/* Shows a visible box, hides a hidden one. Returns 0. */
+UX_API int ux_select_box_repaint(ux_obj *box) UX_NOEXCEPT;
+
+/* Marks the box focused, makes it its page's focus object and takes over the page's keys left and
+ * right; paints nothing. The page's handlers are kept once for all boxes, as told for the text
+ * field. Returns 0. */
+UX_API int ux_select_box_set_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Takes the focused mark away and gives the page its handlers back; paints nothing. It stays the
+ * page's focus object. Returns 0. */
+UX_API int ux_select_box_unset_focus(ux_obj *box) UX_NOEXCEPT;
+
+/* Key handlers that a focused box installs: make the item before or behind current, repaint the box
+ * and call its change_handler. An `ev->obj` that is no select box or has fewer than two items is
+ * left alone. Return 0. */
+UX_API int ux_select_box_key_left(ux_event *ev) UX_NOEXCEPT;
+UX_API int ux_select_box_key_right(ux_event *ev) UX_NOEXCEPT;
 
 /* ============================================================================================== */
 /* Check box                                                                                      */

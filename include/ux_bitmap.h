@@ -2,7 +2,8 @@
 /*
  * The bitmap reader: decodes a PNG or JPEG picture, from a file or an http:// address, row by row
  * into 32-bit pixels, scaled to a requested size on the way. ux_load_image() of ux.h is the easy
- * way to it. This header needs those of libpng and libjpeg.
+ * way to it. This header needs those of libpng and libjpeg: build with the CMake component
+ * ux::bitmap or with ux-bitmap of pkg-config.
  *
  * Order of calls: RMOpenBitmapFile(), RMBitmapToRaw() once, RMCloseBitmapFile();
  * RMBitmapGetPalette() in between if wanted. A handle lives in the caller's memory and must not

@@ -4,6 +4,7 @@
 
 #include "sim/failure.h"
 #include "sim/keys.h"
+#include "sim/multitap.h"
 #include "sim/number.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ constexpr size_t k_largest_script_bytes = 1 << 20;
 constexpr size_t k_longest_name = 200;
 constexpr int k_longest_wait_ms = 3600 * 1000;
 constexpr int k_default_limit_ms = 10 * 1000; // beyond the wait itself
+constexpr size_t k_most_typed = 2000;         // characters in a script
+constexpr std::chrono::milliseconds k_tap_pace{50};
 
 using words = std::vector<std::string_view>;
 
@@ -45,6 +48,19 @@ words split(std::string_view line) {
         at = end;
     }
     return result;
+}
+
+// What stands between the first word and the last one, the blanks inside included. Quotes around it
+// are left out: they let a text begin or end with a blank.
+std::string_view text_behind(const words &parts) {
+    if (parts.size() < 2) {
+        return {};
+    }
+    const char *start = parts[1].data();
+    std::string_view text(start,
+                          static_cast<size_t>(parts.back().data() - start) + parts.back().size());
+    bool in_quotes = text.size() > 1 && text.front() == '"' && text.back() == '"';
+    return in_quotes ? text.substr(1, text.size() - 2) : text;
 }
 
 std::string join(const words &parts) {
@@ -78,6 +94,10 @@ class parser {
             return;
         }
         script_step step{.what = verb::quit, .line = m_line, .text = join(parts)};
+        if (parts[0] == "type") {
+            take_type(text_behind(parts), step);
+            return;
+        }
         read_step(parts, step);
         check_order(step);
         m_script.steps.push_back(step);
@@ -119,6 +139,44 @@ class parser {
         } else {
             refuse("unknown verb " + quoted(parts[0]));
         }
+    }
+
+    // Taps with waits between them, and one behind: the next text begins a letter of its own.
+    void take_type(std::string_view text, script_step &step) {
+        m_typed += text.size();
+        if (text.empty()) {
+            refuse("expected 'type TEXT'");
+        }
+        if (m_typed > k_most_typed) {
+            refuse("a script types at most " + std::to_string(k_most_typed) + " characters");
+        }
+        step.what = verb::key;
+        check_order(step);
+        bool first = true;
+        for (const tap &press : taps_of(text)) {
+            if (!first) {
+                push_wait(step, press.pause);
+            }
+            first = false;
+            step.what = verb::key;
+            step.key = press.key;
+            m_script.steps.push_back(step);
+        }
+        push_wait(step, k_letter_pause);
+    }
+
+    std::vector<tap> taps_of(std::string_view text) const {
+        try {
+            return taps_for(text, k_tap_pace);
+        } catch (const failure &error) {
+            refuse(error.what());
+        }
+    }
+
+    void push_wait(script_step step, std::chrono::milliseconds time) {
+        step.what = verb::wait_time;
+        step.ms = static_cast<int>(time.count());
+        m_script.steps.push_back(step);
     }
 
     void read_key(const words &parts, script_step &step) const {
@@ -214,6 +272,7 @@ class parser {
     script m_script;
     std::set<std::string> m_files;
     int m_line = 0;
+    size_t m_typed = 0; // characters so far
 };
 
 class open_file {

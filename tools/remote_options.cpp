@@ -4,6 +4,7 @@
 
 #include "sim/failure.h"
 #include "sim/keys.h"
+#include "sim/multitap.h"
 #include "sim/number.h"
 
 #include <array>

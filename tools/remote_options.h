@@ -3,7 +3,6 @@
 #pragma once
 
 #include "sim/input_queue.h"
-#include "tools/multitap.h"
 
 #include <chrono>
 #include <optional>

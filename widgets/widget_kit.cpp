@@ -27,6 +27,18 @@ void copy_text(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text) {
         field[UX_TEXT_UNITS - 1] &= 0xFF;
 }
 
+void copy_text_and_clear(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text) {
+    int k = 0;
+    for (; text && k < UX_TEXT_UNITS && text[k] != u'\0'; k++)
+        field[k] = text[k];
+    for (; k < UX_TEXT_UNITS; k++)
+        field[k] = u'\0';
+}
+
+int text_length(const char16_t (&field)[UX_TEXT_UNITS]) {
+    return static_cast<int>(std::find(field, field + UX_TEXT_UNITS, u'\0') - field);
+}
+
 // A number that no int holds stays too large to show anything.
 int font_size(int font_size) {
     const char *text = getenv("FontSize");

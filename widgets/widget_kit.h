@@ -29,6 +29,13 @@ color_pair colors_by_focus(const Widget *widget) {
 // Null empties the field. Of a 128th unit only the low byte is kept: such a text has no end.
 void copy_text(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text);
 
+// Copies a text into a record's field, up to the zero unit but at most all units of the field, and
+// zeroes the rest of it. Null zeroes all of it.
+void copy_text_and_clear(char16_t (&field)[UX_TEXT_UNITS], const char16_t *text);
+
+// Units in front of the zero unit; UX_TEXT_UNITS when there is none.
+int text_length(const char16_t (&field)[UX_TEXT_UNITS]);
+
 // The size texts are painted in, pixels: the environment variable "FontSize", read anew each time,
 // or `font_size` when it is unset.
 int font_size(int font_size);

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
 /*
- * The graphics engine: which properties it knows, and whether it is open.
+ * The graphics engine: which properties it knows, whether it is open, and how it draws glyphs.
  */
 #ifndef UX_PLATFORM_HOST_GFX_ENGINE_H
 #define UX_PLATFORM_HOST_GFX_ENGINE_H
@@ -8,6 +8,9 @@
 #include <cstdint>
 
 #include "platform/host/dram.h"
+#include "platform/host/font_glyph.h"
+#include "platform/host/glyph_command.h"
+#include "platform/host/glyph_render.h"
 
 namespace em862x {
 
@@ -42,8 +45,24 @@ class gfx_engine {
     /* Closes; failure when it is not open or the argument is not 0. */
     int close(std::uint32_t argument) noexcept;
 
+    /* The glyph commands: failure while it is not open, busy as told by keep_busy(). */
+    int measure(const glyph_request &request, glyph_cell &cell) noexcept;
+    int set_matrix(const outline_matrix &matrix) noexcept;
+
+    /* Renders an outline of a face into memory; failure without one. The matrix sent before, if
+     * any, is used up. */
+    int render(const glyph_request &request, scaled_face *face, dram &memory) noexcept;
+
+    /* The next `count` glyph commands are answered with busy. */
+    void keep_busy(unsigned count) noexcept { busy_answers_ = count; }
+
   private:
+    /* Success when a glyph command may go on. */
+    int admit() noexcept;
+
     bool is_open_ = false;
+    unsigned busy_answers_ = 0;
+    std::optional<outline_matrix> matrix_; /* for the next outline */
 };
 
 } // namespace em862x

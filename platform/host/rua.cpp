@@ -21,6 +21,9 @@ enum property : std::uint32_t {
     property_gfx_memory = 4292,
     property_gfx_open = 4293,
     property_gfx_close = 4294,
+    property_gfx_render = 4331,
+    property_gfx_matrix = 4332,
+    property_gfx_cell = 4334,
 };
 
 /*
@@ -79,9 +82,42 @@ int close_gfx(rua_instance &instance, const void *in, std::uint32_t in_size) {
     return instance.engine.close(argument);
 }
 
+int measure_glyph(rua_instance &instance, const void *in, std::uint32_t in_size, void *out,
+                  std::uint32_t out_size) {
+    em862x::glyph_request request{};
+    em862x::glyph_cell cell{};
+    if (!receive(request, in, in_size) || !out || out_size != sizeof cell)
+        return EM862X_FAILURE;
+    const int result = instance.engine.measure(request, cell);
+    return result == EM862X_SUCCESS ? reply(cell, out, out_size) : result;
+}
+
+int set_matrix(rua_instance &instance, const void *in, std::uint32_t in_size) {
+    em862x::outline_matrix matrix{};
+    if (!receive(matrix, in, in_size))
+        return EM862X_FAILURE;
+    return instance.engine.set_matrix(matrix);
+}
+
+/* A request for a font that is not open goes to the engine without a face. */
+int render_glyph(rua_instance &instance, const void *in, std::uint32_t in_size) {
+    em862x::glyph_request request{};
+    if (!receive(request, in, in_size))
+        return EM862X_FAILURE;
+    em862x::scaled_face *face = nullptr;
+    for (const auto &font : instance.fonts)
+        if (font->key == request.font)
+            face = &font->scaled;
+    return instance.engine.render(request, face, instance.memory);
+}
+
 } // namespace
 
 namespace em862x {
+
+rua_instance *present_instance() noexcept {
+    return s_rua.instance;
+}
 
 bool is_instance(const rua_instance *instance) noexcept {
     return instance && instance == s_rua.instance;
@@ -113,6 +149,8 @@ int RUAExchangeProperty(rua_instance *instance, uint32_t module, uint32_t proper
         return count_modules(in, in_size, out, out_size);
     if (module == em862x::k_gfx_category && property == property_gfx_memory)
         return query_gfx_memory(in, in_size, out, out_size);
+    if (module == em862x::k_gfx_category && property == property_gfx_cell)
+        return measure_glyph(*instance, in, in_size, out, out_size);
     return EM862X_FAILURE;
 }
 
@@ -124,6 +162,10 @@ int RUASetProperty(rua_instance *instance, uint32_t module, uint32_t property, c
         return open_gfx(*instance, in, in_size);
     if (property == property_gfx_close)
         return close_gfx(*instance, in, in_size);
+    if (property == property_gfx_matrix)
+        return set_matrix(*instance, in, in_size);
+    if (property == property_gfx_render)
+        return render_glyph(*instance, in, in_size);
     return EM862X_FAILURE;
 }
 

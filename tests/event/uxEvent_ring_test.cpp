@@ -215,4 +215,18 @@ TEST_F(EventRing, a_producer_that_overruns_loses_whole_events_only) {
     EXPECT_EQ(event_tests::occurrences(err(), "Event queue is full!\n"), k_events - taken);
 }
 
+// As a host does that takes events itself while one of its handlers runs.
+TEST_F(EventRing, consumers_that_wait_for_each_other_take_turns) {
+    constexpr int k_turns = 200;
+    for (int n = 0; n < 2 * k_turns; n++)
+        ASSERT_EQ(put(n), 0);
+    for (int turn = 0; turn < k_turns; turn++) {
+        EXPECT_EQ(take(), 2 * turn);
+        int taken = -1;
+        std::thread([&] { taken = take(); }).join();
+        EXPECT_EQ(taken, 2 * turn + 1);
+    }
+    EXPECT_EQ(take(), -2);
+}
+
 } // namespace

@@ -83,12 +83,6 @@ TEST_F(FontDrawingTest, unknown_modes_make_no_call_and_give_0) {
     EXPECT_EQ(fb_pixel(0, 0), 0u);
 }
 
-TEST_F(FontDrawingTest, ticker_modes_are_refused_without_a_call) {
-    EXPECT_EQ(uxFontDrawing(u"a", k_ink, k_key, 0, 0, 9, 5, 5, 5, 1, 2), -1);
-    EXPECT_EQ(uxFontDrawing(u"a", k_ink, k_key, 0, 0, 9, 5, 5, 5, 1, 4), -1);
-    EXPECT_EQ(take_calls(), calls{});
-}
-
 TEST_F(FontDrawingTest, step_means_nothing_to_a_text_drawn_once) {
     give_dot('a');
     EXPECT_EQ(uxFontDrawing(u"a", k_ink, k_key, 0, 0, 9, 5, 5, 5, -99, 1), 0);

@@ -211,6 +211,13 @@ TEST_F(FontDeathTest, two_refusing_engines_end_the_process) {
                 testing::Eq("Cannot open a gfx engine [0..2[\n"));
 }
 
+TEST_F(FontDeathTest, three_hundred_refusing_engines_end_the_process) {
+    fake_chip::get().engines = 300;
+    fake_chip::get().accepted_attempt = 300;
+    EXPECT_EXIT(ux_open_font(), testing::ExitedWithCode(1),
+                testing::Eq("Cannot open a gfx engine [0..300[\n"));
+}
+
 TEST_F(FontDeathTest, no_engine_ends_the_process) {
     fake_chip::get().engines = 0;
     EXPECT_EXIT(ux_open_font(), testing::ExitedWithCode(1),

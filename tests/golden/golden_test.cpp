@@ -111,8 +111,8 @@ golden::picture GoldenTest::painted() const {
     return result;
 }
 
-void GoldenTest::expect_golden(const std::string &name) {
-    const std::string reference_path = std::string(UX_GOLDEN_REFERENCES) + "/" + name + ".png";
+void GoldenTest::expect_golden(const std::string &name, const std::string &folder) {
+    const std::string reference_path = folder + "/" + name + ".png";
     const golden::picture actual = painted();
     if (renewing()) {
         ASSERT_TRUE(golden::write_png(reference_path, actual)) << reference_path;

@@ -23,9 +23,9 @@ class GoldenTest : public ::testing::Test {
 
     ux_container *root() { return &main_screen.pages[0]->container; }
 
-    // The screen is the picture `name`.png. If not, what was painted and where it differs is
-    // written to the build folder.
-    void expect_golden(const std::string &name);
+    // The screen is the picture `name`.png of `folder`. If not, what was painted and where it
+    // differs is written to the build folder.
+    void expect_golden(const std::string &name, const std::string &folder = UX_GOLDEN_REFERENCES);
 
   private:
     void paint_stripes();

@@ -190,6 +190,30 @@ TEST_F(BitmapReaderTest, scaled_pictures_are_samples_of_the_unscaled_one) {
     }
 }
 
+// Rows that are not shown are left out inside libjpeg, whole groups of blocks at once.
+TEST_F(BitmapReaderTest, jpegs_of_all_codings_scaled_far_down_are_samples_of_the_unscaled_one) {
+    constexpr uint32_t w = 40;
+    constexpr uint32_t h = 331;
+    const auto bytes = noise(w * h * 3, 7);
+    for (const jpeg_coding &coding :
+         {jpeg_coding{1, 1, false}, jpeg_coding{2, 1, false}, jpeg_coding{2, 2, false},
+          jpeg_coding{1, 2, false}, jpeg_coding{4, 1, false}, jpeg_coding{1, 1, true},
+          jpeg_coding{2, 2, true}}) {
+        const std::string path = folder.write_jpeg("a.jpg", w, h, 3, bytes, coding);
+        const auto whole = decode(path);
+        ASSERT_EQ(whole.size(), 4u * w * h);
+        for (const uint32_t to_h :
+             {1u, 2u, 3u, 5u, 7u, 11u, 20u, 33u, 64u, 100u, 165u, 200u, 330u, 332u, 700u}) {
+            const auto scaled = decode(path, w, to_h);
+            ASSERT_EQ(scaled.size(), 4u * w * to_h);
+            for (uint32_t y = 0; y < to_h; y++)
+                ASSERT_EQ(memcmp(&scaled[4 * w * y], &whole[4 * w * (y * h / to_h)], 4 * w), 0)
+                    << coding.columns << "x" << coding.rows << (coding.progressive ? "p" : "")
+                    << ", row " << y << " of " << to_h;
+        }
+    }
+}
+
 // libjpeg alone, slow integer arithmetic, RGB.
 TEST_F(BitmapReaderTest, jpeg_is_bit_equal_to_slow_integer_rgb) {
     for (int components : {1, 3}) {

@@ -133,3 +133,42 @@ TEST_F(BlendTest, memories_at_odd_addresses_follow_the_formula) {
         ASSERT_EQ(plain::numbers(main_screen.buf), expected) << offset;
     }
 }
+
+// Transparent stretches are left out in blocks: none may hide an opaque pixel.
+TEST_F(BlendTest, one_visible_pixel_anywhere_in_a_transparent_row_is_blended) {
+    constexpr int k_columns = 100;
+    make_screen(k_columns, 1);
+    for (int start = 0; start < 3; start++)
+        for (int at = start; at < k_columns; at++) {
+            std::vector<uint32_t> expected(k_columns, 0x40302010);
+            std::vector<uint32_t> block(k_columns, 0x00FFFFFF);
+            memcpy(main_screen.buf, expected.data(), expected.size() * 4);
+            block[static_cast<size_t>(at - start)] = 0x80F0F0F0;
+            expected[static_cast<size_t>(at)] = 0x80908880; // the means, and the larger alpha
+            ux_draw_image_buff(block.data(), start, 0, k_columns - start, 1, 0);
+            ASSERT_EQ(plain::numbers(main_screen.buf), expected) << start << ", " << at;
+        }
+}
+
+TEST_F(BlendTest, transparent_runs_of_all_lengths_follow_the_formula) {
+    constexpr int k_columns = 160;
+    plain::dice dice(3);
+    make_screen(k_columns, 1);
+    for (int round = 0; round < 2000; round++) {
+        std::vector<uint32_t> expected(k_columns);
+        std::vector<uint32_t> block(k_columns);
+        for (size_t i = 0; i < block.size();) {
+            const bool transparent = dice.between(0, 1) == 0;
+            const size_t end = i + static_cast<size_t>(dice.between(1, 70));
+            for (; i < end && i < block.size(); i++) {
+                expected[i] = dice.word();
+                block[i] = transparent ? dice.word() & 0xFFFFFF : dice.word();
+            }
+        }
+        memcpy(main_screen.buf, expected.data(), expected.size() * 4);
+        ux_draw_image_buff(block.data(), 0, 0, k_columns, 1, 0);
+        for (size_t i = 0; i < expected.size(); i++)
+            expected[i] = plain::blend(expected[i], block[i]);
+        ASSERT_EQ(plain::numbers(main_screen.buf), expected) << round;
+    }
+}

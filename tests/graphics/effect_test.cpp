@@ -298,6 +298,44 @@ TEST_F(EffectTest, menu_stops_each_effect_after_its_first_step) {
     }
 }
 
+TEST_F(EffectTest, each_step_is_painted_then_paused_then_status_is_read_then_the_message) {
+    make_screen(2, 3);
+    std::vector<std::string> order;
+    hooks::get().on_usleep = [&] { order.push_back(times()); };
+    hooks::get().on_getenv = [&](const char *name) { order.emplace_back(name); };
+    draw(0, 0, 2, 3, 2);
+    EXPECT_EQ(order, (std::vector<std::string>{"..\n..\n11\n", "STATUS", "ShowMSG", //
+                                               "..\n11\n11\n", "STATUS", "ShowMSG", //
+                                               "11\n11\n11\n", "STATUS", "ShowMSG"}));
+}
+
+TEST_F(EffectTest, message_is_not_read_when_status_stops) {
+    setenv("STATUS", "gotoMenu", 1);
+    setenv("ShowMSG", "YES", 1);
+    for (int effect = 1; effect <= 8; effect++) {
+        std::vector<std::string> read;
+        hooks::get().on_getenv = [&](const char *name) { read.emplace_back(name); };
+        draw(0, 0, 8, 4, effect);
+        EXPECT_EQ(read, std::vector<std::string>{"STATUS"}) << effect;
+    }
+}
+
+TEST_F(EffectTest, both_flags_are_read_after_every_step_with_or_without_a_pause) {
+    constexpr size_t steps[] = {4, 4, 8, 8, 10, 3, 1, 32}; // of 8 x 4 pixels
+    constexpr size_t rests[] = {2, 2, 4, 4, 5, 2, 1, 16};  // 8 rows of screen: every second step
+    for (int effect = 1; effect <= 8; effect++) {
+        std::vector<std::string> read;
+        hooks::get().usleeps.clear();
+        hooks::get().on_getenv = [&](const char *name) { read.emplace_back(name); };
+        draw(0, 0, 8, 4, effect);
+        std::vector<std::string> expected;
+        for (size_t step = 0; step < steps[effect - 1]; step++)
+            expected.insert(expected.end(), {"STATUS", "ShowMSG"});
+        EXPECT_EQ(read, expected) << effect;
+        EXPECT_EQ(pauses(), rests[effect - 1]) << effect;
+    }
+}
+
 TEST_F(EffectTest, flag_raised_during_a_pause_stops_after_that_step) {
     for (const auto &[name, value] : {std::pair{"STATUS", "gotoMenu"}, {"ShowMSG", "YES"}}) {
         forget_environment();

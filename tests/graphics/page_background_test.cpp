@@ -119,6 +119,23 @@ TEST_F(PageBackgroundTest, color_without_alpha_changes_nothing) {
     EXPECT_EQ(screen(), pixels(16 * 8, 0x12345678));
 }
 
+// The columns are the screen's values, in all four channels.
+TEST_F(PageBackgroundTest, color_of_all_triples_follows_the_formula) {
+    make_screen(256, 1);
+    pixels expected(256);
+    for (uint32_t a = 0; a < 256; a++)
+        for (uint32_t c = 0; c < 256; c++) {
+            for (uint32_t s = 0; s < 256; s++)
+                expected[s] = s << 24 | s << 16 | (255 - s) << 8 | s;
+            memcpy(main_screen.buf, expected.data(), expected.size() * 4);
+            const uint32_t color = a << 24 | c << 16 | c << 8 | (255 - c);
+            for (uint32_t &pixel : expected)
+                pixel = plain::blend(pixel, color);
+            ASSERT_EQ(ux_update_BGcolor(0, 0, 256, 1, color), 0);
+            ASSERT_EQ(plain::numbers(main_screen.buf), expected) << a << ", " << c;
+        }
+}
+
 TEST_F(PageBackgroundTest, color_in_any_rectangle_is_the_walk_over_the_screen) {
     plain::dice dice(1);
     std::vector<rectangle> parts(std::begin(k_edge_cases), std::end(k_edge_cases));

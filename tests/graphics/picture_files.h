@@ -23,8 +23,16 @@ struct png_content {
     int color_type = PNG_COLOR_TYPE_RGB;
     int interlace = PNG_INTERLACE_NONE;
     std::vector<png_color> palette = {};
-    std::vector<uint8_t> transparent_indexes = {}; // tRNS of a palette picture
-    std::vector<uint8_t> bytes = {};               // all rows, packed
+    std::vector<uint8_t> transparent_indexes = {};    // tRNS of a palette picture
+    std::vector<png_color_16> transparent_color = {}; // tRNS of any other: one
+    std::vector<uint8_t> bytes = {};                  // all rows, packed
+};
+
+// How a JPEG of three components is coded: luma samples per chroma sample, one pass or several.
+struct jpeg_coding {
+    int columns = 2;
+    int rows = 2;
+    bool progressive = false;
 };
 
 // A folder that goes away with the test.
@@ -52,6 +60,8 @@ class picture_folder {
         if (!content.transparent_indexes.empty())
             png_set_tRNS(writer, info, content.transparent_indexes.data(),
                          static_cast<int>(content.transparent_indexes.size()), nullptr);
+        if (!content.transparent_color.empty())
+            png_set_tRNS(writer, info, nullptr, 0, content.transparent_color.data());
         png_write_info(writer, info);
         const size_t row_bytes = content.bytes.size() / content.height;
         std::vector<png_bytep> rows;
@@ -66,7 +76,8 @@ class picture_folder {
 
     // `components` is 1 (grey), 3 (RGB) or 4 (CMYK).
     std::string write_jpeg(const std::string &name, uint32_t width, uint32_t height, int components,
-                           const std::vector<uint8_t> &bytes) const {
+                           const std::vector<uint8_t> &bytes,
+                           const jpeg_coding &coding = {}) const {
         FILE *file = fopen(path(name).c_str(), "wb");
         jpeg_compress_struct cinfo;
         jpeg_error_mgr errors;
@@ -80,6 +91,12 @@ class picture_folder {
                                : components == 3 ? JCS_RGB
                                                  : JCS_CMYK;
         jpeg_set_defaults(&cinfo);
+        if (components == 3) {
+            cinfo.comp_info[0].h_samp_factor = coding.columns;
+            cinfo.comp_info[0].v_samp_factor = coding.rows;
+        }
+        if (coding.progressive)
+            jpeg_simple_progression(&cinfo);
         jpeg_start_compress(&cinfo, TRUE);
         while (cinfo.next_scanline < height) {
             auto *row = const_cast<JSAMPLE *>(bytes.data()) +

@@ -19,6 +19,8 @@ typedef ux_page *page_table[32];
 typedef int (*add_slot)(ux_container *, ux_obj *);
 typedef int (*enter_callback)(ux_page *);
 typedef int (*leave_callback)(ux_page *, intptr_t, intptr_t, intptr_t);
+typedef ux_select_item *item_link;
+typedef int (*select_handler)(ux_select_box *, int);
 typedef ux_timeout *timeout_link;
 typedef ux_atimer *atimer_link;
 typedef ux_obj *obj_link;
@@ -144,6 +146,43 @@ typedef int (*list_handler)(ux_button_list *, int);
     F(ux_text_button, int32_t, font_size)                                                          \
     F(ux_text_button, int32_t, style)
 
+#define FIELD_FIELDS(F)                                                                            \
+    F(ux_text_field, ux_obj, obj)                                                                  \
+    F(ux_text_field, text_field, text)                                                             \
+    F(ux_text_field, int32_t, mask_char)                                                           \
+    F(ux_text_field, int32_t, password)                                                            \
+    F(ux_text_field, int32_t, limit)                                                               \
+    F(ux_text_field, int32_t, font_size)                                                           \
+    F(ux_text_field, int32_t, style)                                                               \
+    F(ux_text_field, int32_t, input_type)                                                          \
+    F(ux_text_field, uint32_t, fg_color)                                                           \
+    F(ux_text_field, uint32_t, bg_color)                                                           \
+    F(ux_text_field, uint32_t, focus_fg_color)                                                     \
+    F(ux_text_field, uint32_t, focus_bg_color)                                                     \
+    F(ux_text_field, uint32_t, select_fg_color)                                                    \
+    F(ux_text_field, uint32_t, select_bg_color)                                                    \
+    F(ux_text_field, uint32_t, select_focus_fg_color)                                              \
+    F(ux_text_field, uint32_t, select_focus_bg_color)
+#define SELECT_ITEM_FIELDS(F)                                                                      \
+    F(ux_select_item, int32_t, index)                                                              \
+    F(ux_select_item, text_field, text)                                                            \
+    F(ux_select_item, item_link, previous)                                                         \
+    F(ux_select_item, item_link, next)
+
+#define SELECT_BOX_FIELDS(F)                                                                       \
+    F(ux_select_box, ux_obj, obj)                                                                  \
+    F(ux_select_box, text_field, text)                                                             \
+    F(ux_select_box, int32_t, font_size)                                                           \
+    F(ux_select_box, item_link, first)                                                             \
+    F(ux_select_box, item_link, last)                                                              \
+    F(ux_select_box, item_link, current)                                                           \
+    F(ux_select_box, int32_t, count)                                                               \
+    F(ux_select_box, uint32_t, fg_color)                                                           \
+    F(ux_select_box, uint32_t, bg_color)                                                           \
+    F(ux_select_box, uint32_t, focus_fg_color)                                                     \
+    F(ux_select_box, uint32_t, focus_bg_color)                                                     \
+    F(ux_select_box, select_handler, change_handler)
+
 #define CHECK_BOX_FIELDS(F)                                                                        \
     F(ux_check_box, ux_obj, obj)                                                                   \
     F(ux_check_box, text_field, text)                                                              \
@@ -192,6 +231,9 @@ typedef int (*list_handler)(ux_button_list *, int);
     ATIMER_FIELDS(F)                                                                               \
     LABEL_FIELDS(F)                                                                                \
     BUTTON_FIELDS(F)                                                                               \
+    FIELD_FIELDS(F)                                                                                \
+    SELECT_ITEM_FIELDS(F)                                                                          \
+    SELECT_BOX_FIELDS(F)                                                                           \
     CHECK_BOX_FIELDS(F)                                                                            \
     SLIDER_FIELDS(F)                                                                               \
     LIST_FIELDS(F)
@@ -231,6 +273,11 @@ static_assert(AT_64(ux_page, key_handlers, 472), "behind the container");
 static_assert(AT_64(ux_text_label, text, 192), "text follows the header");
 static_assert(AT_64(ux_text_label, fg_color, 448), "text takes 256 bytes");
 static_assert(AT_64(ux_text_button, style, 484), "nine words behind the text");
+static_assert(AT_64(ux_text_field, mask_char, 448), "right behind the 256 bytes of text");
+static_assert(AT_64(ux_select_item, previous, 264), "4 + 256, and the pointers' alignment");
+static_assert(AT_64(ux_select_box, first, 456), "192 + 256 + 4, and the pointers' alignment");
+static_assert(AT_64(ux_select_box, change_handler, 504), "three pointers and five words on");
+static_assert(AT_64(ux_text_field, fg_color, 472), "six words behind the text");
 static_assert(AT_64(ux_check_box, checked, 452), "text and one word behind the header");
 static_assert(AT_64(ux_slider_bar, change_handler, 240), "twelve words behind the header");
 static_assert(AT_64(ux_button_list, gap, 472), "behind the container");
@@ -239,6 +286,8 @@ static_assert(offsetof(ux_container, obj) == 0, "base first");
 static_assert(offsetof(ux_page, container) == 0, "base first");
 static_assert(offsetof(ux_text_label, obj) == 0, "base first");
 static_assert(offsetof(ux_text_button, obj) == 0, "base first");
+static_assert(offsetof(ux_text_field, obj) == 0, "base first");
+static_assert(offsetof(ux_select_box, obj) == 0, "base first");
 static_assert(offsetof(ux_check_box, obj) == 0, "base first");
 static_assert(offsetof(ux_slider_bar, obj) == 0, "base first");
 static_assert(offsetof(ux_button_list, container) == 0, "base first");

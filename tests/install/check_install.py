@@ -55,7 +55,7 @@ def check_find_package(prefix, scratch, flags):
     run(["cmake", "-S", CLIENTS, "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
          f"-DCMAKE_EXE_LINKER_FLAGS={flags}"])
     run(["cmake", "--build", build])
-    for name in ("client-c", "client-cxx"):
+    for name in ("client-c", "client-cxx", "client-bitmap"):
         run_client(build / name, prefix)
 
 
@@ -69,17 +69,19 @@ def check_wrong_version(prefix, scratch):
     run(["cmake", "-S", project, "-B", project / "build", f"-DCMAKE_PREFIX_PATH={prefix}"])
 
 
-def pkg_config(prefix, *arguments):
+def pkg_config(prefix, *arguments, package="ux"):
     directory = single(prefix, "ux.pc").parent
-    return run(["pkg-config", *arguments, "ux"],
+    return run(["pkg-config", *arguments, package],
                env={**os.environ, "PKG_CONFIG_PATH": str(directory)})
 
 
 def check_pkg_config(prefix, scratch, flags):
     # The prefix holds a blank: the shell undoes the quoting that pkg-config printed.
-    found = pkg_config(prefix, "--cflags", "--libs")
-    for compiler, standard, source in (("cc", "c11", "client.c"), ("c++", "c++20", "client.cpp")):
-        program = scratch / f"{compiler}{len(flags)}"
+    for compiler, standard, source, package in (("cc", "c11", "client.c", "ux"),
+                                                ("c++", "c++20", "client.cpp", "ux"),
+                                                ("cc", "c11", "bitmap.c", "ux-bitmap")):
+        found = pkg_config(prefix, "--cflags", "--libs", package=package)
+        program = scratch / f"{source}{len(flags)}"
         run(["sh", "-c", f"{compiler} -std={standard} -D_GNU_SOURCE '{CLIENTS / source}' {flags} "
                          f"{found} -o '{program}'"])
         run_client(program, prefix)
@@ -91,6 +93,19 @@ def check_platform_choice(prefix):
         sys.exit("platform_libs does not choose the chip's library")
 
 
+def check_components(prefix, scratch):
+    """A component that is none is refused, and hosts without the bitmap reader need nothing else."""
+    for name, package, found in (("none", "ux 1 QUIET COMPONENTS nothing", "NOT ux_FOUND"),
+                                 ("plain", "ux 1 QUIET", "ux_FOUND AND NOT TARGET PNG::PNG")):
+        project = scratch / name
+        project.mkdir()
+        (project / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.21)\nproject(components LANGUAGES C)\n"
+            f"find_package({package})\nif(NOT ({found}))\n"
+            "    message(FATAL_ERROR \"wrong components\")\nendif()\n")
+        run(["cmake", "-S", project, "-B", project / "build", f"-DCMAKE_PREFIX_PATH={prefix}"])
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=Path, help="a configured and built tree")
@@ -99,6 +114,7 @@ def main():
         scratch = Path(name)
         prefix = install(build, scratch)
         check_wrong_version(prefix, scratch)
+        check_components(prefix, scratch)
         check_platform_choice(prefix)
         for flags in ("", "-Wl,--as-needed"):
             check_find_package(prefix, scratch, flags)

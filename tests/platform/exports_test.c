@@ -27,6 +27,14 @@ static void check_nulls(void) {
     check(RMnonAsciiFromAscii(NULL) == NULL, "RMnonAsciiFromAscii");
     check(RMTTOpenFont(NULL, NULL, NULL, NULL) == EM862X_FAILURE, "RMTTOpenFont");
     check(RMTTCloseFont(NULL, NULL) == EM862X_FAILURE, "RMTTCloseFont");
+    check(RUALock(NULL, 0, 0) == EM862X_FAILURE, "RUALock");
+    check(RUAUnLock(NULL, 0, 0) == EM862X_FAILURE, "RUAUnLock");
+    check(RUAMap(NULL, 0, 0) == NULL, "RUAMap");
+    RUAUnMap(NULL, NULL, 0);
+    check(RMTTGetGlyphMetrics(NULL, 'A') == NULL, "RMTTGetGlyphMetrics");
+    check(RMTTGetCompoundCount(NULL, 'A') == 0, "RMTTGetCompoundCount");
+    check(RMTTGetScaleMatrix(NULL, 'A', 0) == NULL, "RMTTGetScaleMatrix");
+    RMTTGetGlyphPointer(NULL, 'A', 0, NULL, NULL);
 }
 
 static void check_files(void) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Typing on the keypad.
 #include "sim/failure.h"
-#include "tools/multitap.h"
+#include "sim/multitap.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ std::string rhythm(std::string_view text) {
 }
 
 TEST(multitap, digits_take_one_tap) {
-    EXPECT_EQ(rhythm("0129"), "1/40 2/40 3/40 10/40");
+    EXPECT_EQ(rhythm("0129"), "1/40 2/1200 3/40 10/40");
 }
 
 TEST(multitap, letters_follow_the_digit_on_their_key) {
@@ -39,7 +39,24 @@ TEST(multitap, the_same_key_for_the_next_letter_waits_longer_than_a_second) {
 }
 
 TEST(multitap, another_key_needs_no_long_pause) {
-    EXPECT_EQ(rhythm("ad"), "3/40 3/40 4/40 4/40");
+    EXPECT_EQ(rhythm("ada"), "3/40 3/40 4/1200 4/40 3/40 3/40");
+    EXPECT_EQ(rhythm("adg"), "3/40 3/40 4/1200 4/40 5/40 5/40");
+}
+
+TEST(multitap, first_letter_is_left_alone_for_more_than_a_second) {
+    EXPECT_EQ(rhythm("1 2"), "2/40 35/1200 35/40 35/40 35/40 35/40 3/40");
+}
+
+TEST(multitap, capitals_digits_and_a_blank_mix) {
+    EXPECT_EQ(rhythm("Abc 12"), "3/40 3/40 3/40 3/40 3/40 "      // A
+                                "3/1200 3/40 3/40 "              // b
+                                "3/1200 3/40 3/40 3/40 "         // c
+                                "35/40 35/40 35/40 35/40 35/40 " // blank
+                                "2/40 3/40");                    // 1 2
+}
+
+TEST(multitap, slower_pace_than_the_pause_stays) {
+    EXPECT_EQ(taps_for("11", milliseconds(1500)).at(1).pause, milliseconds(1500));
 }
 
 TEST(multitap, punctuation_and_space_share_a_key) {

@@ -54,6 +54,51 @@ TEST(script, wait_until_tells_the_time_since_the_run_began) {
     EXPECT_EQ(step.ms, 86400000);
 }
 
+// "k3 w50 k3 w1200": keys and waits of a script that types.
+std::string typed(std::string_view text) {
+    std::string result;
+    for (const script_step &step : parse_script(text, "demo").steps) {
+        result += result.empty() ? "" : " ";
+        result += step.what == verb::key         ? "k" + std::to_string(step.key)
+                  : step.what == verb::wait_time ? "w" + std::to_string(step.ms)
+                                                 : "?";
+    }
+    return result;
+}
+
+TEST(script, type_is_keys_with_waits_between_and_behind_them) {
+    EXPECT_EQ(typed("type b"), "k3 w50 k3 w50 k3 w1200");
+    EXPECT_EQ(typed("type 123"), "k2 w1200 k3 w50 k4 w1200");
+    EXPECT_EQ(typed("type 22 # twice"), "k3 w1200 k3 w1200");
+    EXPECT_EQ(typed("type 1\ntype 1\r\n"), "k2 w1200 k2 w1200");
+}
+
+TEST(script, typed_blanks_count_between_words_and_inside_quotes) {
+    const std::string blank = "k35 w50 k35 w50 k35 w50 k35 w50 k35 ";
+    EXPECT_EQ(typed("  type   1 2  "), "k2 w1200 " + blank + "w50 k3 w1200");
+    EXPECT_EQ(typed("type \" \""), blank + "w1200");
+    EXPECT_EQ(typed("type \"1 \""), "k2 w1200 " + blank + "w1200");
+}
+
+TEST(script, typed_steps_keep_line_and_words) {
+    auto steps = parse_script("\ntype ad", "demo").steps;
+    EXPECT_EQ(steps.back().line, 2);
+    EXPECT_EQ(steps.front().text, "type ad");
+}
+
+TEST(script, complains_about_typing) {
+    EXPECT_EQ(complaint("type"), "demo:1: expected 'type TEXT'");
+    EXPECT_EQ(complaint("type \"\""), "demo:1: expected 'type TEXT'");
+    EXPECT_EQ(complaint("key 1\ntype a-b"), "demo:2: no key types '-' (position 2)");
+    EXPECT_EQ(complaint("type \""), "demo:1: no key types '\"' (position 1)");
+    EXPECT_EQ(complaint("quit\ntype a"), "demo:2: nothing may follow 'quit'");
+    EXPECT_EQ(complaint("type " + std::string(2001, '1')),
+              "demo:1: a script types at most 2000 characters");
+    EXPECT_EQ(complaint("type " + std::string(2000, '1')), "");
+    EXPECT_EQ(complaint("type " + std::string(2000, '1') + "\ntype 1"),
+              "demo:2: a script types at most 2000 characters");
+}
+
 TEST(script, wait_exit_has_a_limit_of_ten_seconds_unless_told) {
     EXPECT_EQ(parse_script("wait exit", "demo").steps.at(0).limit_ms, 10000);
 }

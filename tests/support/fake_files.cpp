@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The chip's files for unit tests: ordinary files by stdio, and addresses that a test maps to such.
 
+#include "tests/support/fake_files.h"
+
 #include "tests/support/fake_chip.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -15,6 +18,8 @@ struct rm_file {
 using fake_chip::get;
 
 namespace {
+
+uint32_t s_largest_read = UINT32_MAX; // bytes that RMReadFile gives at once
 
 rm_file *opened(FILE *stream) {
     if (!stream)
@@ -34,6 +39,14 @@ int close_stream(void *cookie) {
 
 } // namespace
 
+fake_files::short_reads::short_reads(uint32_t bytes) {
+    s_largest_read = bytes;
+}
+
+fake_files::short_reads::~short_reads() {
+    s_largest_read = UINT32_MAX;
+}
+
 rm_file *RMOpenFile(const rm_non_ascii *path, int mode) {
     const auto *name = reinterpret_cast<const std::string *>(path);
     get().calls.push_back("RMOpenFile " + *name + " " + std::to_string(mode));
@@ -43,7 +56,8 @@ rm_file *RMOpenFile(const rm_non_ascii *path, int mode) {
 int RMReadFile(rm_file *file, void *data, uint32_t bytes, uint32_t *read_bytes) {
     if (get().fail_read_after >= 0 && get().fail_read_after-- == 0)
         return EM862X_FAILURE;
-    *read_bytes = static_cast<uint32_t>(fread(data, 1, bytes, file->stream));
+    *read_bytes =
+        static_cast<uint32_t>(fread(data, 1, std::min(bytes, s_largest_read), file->stream));
     return *read_bytes > 0 ? EM862X_SUCCESS : EM862X_FAILURE;
 }
 

@@ -17,10 +17,18 @@ namespace {
 state s_state;
 std::atomic<long> s_allocations;
 std::atomic<long> s_fail_in; // allocations until the one that fails; 0 = none
+std::atomic<void *> s_last_block;
+std::atomic<long> s_blocks;  // allocated minus freed
 
 bool allocation_fails() {
     s_allocations++;
     return s_fail_in > 0 && --s_fail_in == 0;
+}
+
+void *counted(void *block) {
+    if (block)
+        s_blocks++;
+    return block;
 }
 
 const char *replaced(const char *path) {
@@ -39,6 +47,7 @@ void reset() {
     s_state = {};
     s_allocations = 0;
     s_fail_in = 0;
+    s_blocks = 0;
 }
 
 void fail_allocation(long n) {
@@ -47,6 +56,14 @@ void fail_allocation(long n) {
 
 long take_allocation_count() {
     return s_allocations.exchange(0);
+}
+
+void *last_block() {
+    return s_last_block;
+}
+
+long blocks_in_use() {
+    return s_blocks;
 }
 
 } // namespace hooks
@@ -58,8 +75,12 @@ extern "C" {
 void *__real_malloc(size_t);
 void *__real_calloc(size_t, size_t);
 void *__real_realloc(void *, size_t);
+void __real_free(void *);
 unsigned __real_sleep(unsigned);
 int __real_usleep(useconds_t);
+int __real_nanosleep(const timespec *, timespec *);
+char *__real_getenv(const char *);
+int __real_setenv(const char *, const char *, int);
 int __real_gettimeofday(timeval *, void *);
 time_t __real_time(time_t *);
 int __real_open(const char *, int, ...);
@@ -74,15 +95,26 @@ int __real_ux_event_init() noexcept;
 int __real_ux_event_close() noexcept;
 
 void *__wrap_malloc(size_t bytes) {
-    return hooks::allocation_fails() ? nullptr : __real_malloc(bytes);
+    void *block = hooks::allocation_fails() ? nullptr : hooks::counted(__real_malloc(bytes));
+    hooks::s_last_block = block;
+    return block;
 }
 
 void *__wrap_calloc(size_t count, size_t bytes) {
-    return hooks::allocation_fails() ? nullptr : __real_calloc(count, bytes);
+    return hooks::allocation_fails() ? nullptr : hooks::counted(__real_calloc(count, bytes));
 }
 
 void *__wrap_realloc(void *old, size_t bytes) {
-    return hooks::allocation_fails() ? nullptr : __real_realloc(old, bytes);
+    if (hooks::allocation_fails())
+        return nullptr;
+    void *block = __real_realloc(old, bytes);
+    return old ? block : hooks::counted(block);
+}
+
+void __wrap_free(void *block) {
+    if (block)
+        hooks::s_blocks--;
+    __real_free(block);
 }
 
 unsigned __wrap_sleep(unsigned seconds) {
@@ -98,6 +130,25 @@ int __wrap_usleep(useconds_t us) {
         return __real_usleep(us);
     get().usleeps.push_back(us);
     return 0;
+}
+
+int __wrap_nanosleep(const timespec *time, timespec *rest) {
+    if (!get().nanosleep)
+        return __real_nanosleep(time, rest);
+    get().nanosleep(*time);
+    return 0;
+}
+
+char *__wrap_getenv(const char *name) {
+    if (get().on_getenv)
+        get().on_getenv(name);
+    return __real_getenv(name);
+}
+
+int __wrap_setenv(const char *name, const char *value, int overwrite) {
+    if (get().on_setenv)
+        get().on_setenv(name, value, overwrite);
+    return __real_setenv(name, value, overwrite);
 }
 
 int __wrap_gettimeofday(timeval *out, void *zone) {

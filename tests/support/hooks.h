@@ -24,6 +24,11 @@ struct state {
     std::vector<unsigned> sleeps;    // arguments of sleep(), seconds
     std::vector<unsigned> usleeps;   // arguments of usleep(), microseconds
     std::function<void()> on_usleep; // runs at every usleep(), fake clock or not
+    std::function<void(const timespec &)> nanosleep; // in its place; null = the real one
+
+    // The environment. The real calls are made all the same.
+    std::function<void(const char *name)> on_getenv;
+    std::function<void(const char *name, const char *value, int overwrite)> on_setenv;
 
     // Files. A path that is a key here is opened, unlinked, made under its value.
     std::string pipe_path;  // stands in for "/tmp/event"; empty = the real one
@@ -53,6 +58,13 @@ void fail_allocation(long n);
 
 // Allocations since the last call of this function or reset().
 long take_allocation_count();
+
+// What the latest malloc() gave: for blocks that the code under test keeps to itself.
+void *last_block();
+
+// Blocks that were allocated and not freed since the last reset(). Meaningful as long as none of
+// the blocks from before are freed.
+long blocks_in_use();
 
 } // namespace hooks
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The letters on the keys.
-#include "tools/multitap.h"
+#include "sim/multitap.h"
 
 #include "sim/failure.h"
 #include "sim/keys.h"
@@ -48,10 +48,10 @@ std::vector<tap> taps_for(std::string_view text, std::chrono::milliseconds pace)
     std::vector<tap> result;
     for (size_t position = 0; position < text.size(); ++position) {
         place wanted = place_of(text[position], position);
-        for (size_t count = 0; count < wanted.taps; ++count) {
-            bool same_key_again = count == 0 && !result.empty() && result.back().key == wanted.key;
-            result.push_back({wanted.key, same_key_again ? std::max(k_letter_pause, pace) : pace});
-        }
+        bool same_key_again = !result.empty() && result.back().key == wanted.key;
+        bool rests = same_key_again || position == 1;
+        result.push_back({wanted.key, rests ? std::max(k_letter_pause, pace) : pace});
+        result.insert(result.end(), wanted.taps - 1, {wanted.key, pace});
     }
     return result;
 }

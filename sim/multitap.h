@@ -19,6 +19,10 @@ struct tap {
     std::chrono::milliseconds pause; // to wait before it, after the tap before
 };
 
+// A host's very first timeout may be the one of the text's first tap. A field cannot delete that
+// one and it ends whatever letter is in progress a second later, so a pause follows the first
+// letter.
+
 // The taps for `text`, `pace` apart where nothing longer is needed. Throws failure naming the first
 // character that no key carries.
 std::vector<tap> taps_for(std::string_view text, std::chrono::milliseconds pace);
