@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Plays hosts of the library in virtual time: timers fire at exact moments, and a tour gives the
-reference pictures of real time, byte for byte the same in twenty runs on a busy machine, and a
-recording of it plays to the same recording."""
+reference pictures of real time, byte for byte the same in twenty runs on a busy machine; a
+ticker moves the same way every time; a recording plays to the same recording."""
 
 import argparse
 import concurrent.futures
@@ -62,6 +62,21 @@ def tours_are_all_the_same(arguments, folder):
     return None
 
 
+def moving_tickers_are_all_the_same(arguments, folder):
+    shots = "".join(f"wait 137\nshot {number}.png\n" for number in range(10))
+    script = f"wait still 500\nkey right\nkey ok\nwait 1500\n{shots}key digit0\nwait exit\n"
+    folders = [Path(folder) / f"ticker{run}" for run in range(AT_ONCE)]
+    with concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
+        runs = list(pool.map(lambda one: play(arguments, arguments.ticker, script, one), folders))
+    for run in runs:
+        if run.returncode != 0:
+            return f"ticker: {run.stderr[-300:]}"
+    pictures = [[path.read_bytes() for path in sorted(one.glob("*.png"))] for one in folders]
+    if len(pictures[0]) != 10 or len(set(pictures[0])) < 3:
+        return "the ticker did not move"
+    return None if all(one == pictures[0] for one in pictures) else "moving tickers differ"
+
+
 def a_recorded_tour_plays_to_the_same_recording(arguments, folder):
     first, second = Path(folder) / "first.uxs", Path(folder) / "second.uxs"
     for script, recording in ((arguments.script, first), (first, second)):
@@ -80,12 +95,13 @@ def a_recorded_tour_plays_to_the_same_recording(arguments, folder):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    for name in ("simulator", "timers", "host", "script", "golden", "compare"):
+    for name in ("simulator", "timers", "ticker", "host", "script", "golden", "compare"):
         parser.add_argument(f"--{name}", type=Path, required=True)
     parser.add_argument("--scene", required=True, help="first part of the references' names")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
         checks = (timers_fire_at_exact_moments, tours_are_all_the_same,
+                  moving_tickers_are_all_the_same,
                   a_recorded_tour_plays_to_the_same_recording)
         wrong = [complaint for complaint in (check(arguments, folder) for check in checks)
                  if complaint]
