@@ -49,8 +49,12 @@ void register_decode();
 void register_scale();
 void register_text();
 void register_string();
+void register_ticker();
 void register_page();
 void register_desk();
 void register_input_widgets();
+
+// Prints what share of a core a running ticker takes; for some seconds.
+void report_ticker_share();
 
 #endif

@@ -30,10 +30,12 @@ int main(int argc, char **argv) {
     register_scale();
     register_text();
     register_string();
+    register_ticker();
     register_page();
     register_desk();
     register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);
+    report_ticker_share();
     return 0;
 }

@@ -45,7 +45,7 @@ struct prepared_string {
         uint32_t length;
     };
 
-    prepared_string(int size, uint32_t bg) {
+    prepared_string(int size, uint32_t bg) : is_opaque(bg != 0) {
         open_font_once();
         void *block = ux_get_string_buffer(k_text, size, k_fg, bg, sizeof(Word), &width, &height);
         pixels.resize(size_t{width} * height);
@@ -67,12 +67,16 @@ struct prepared_string {
         }
     }
 
+    // As the library does: looks at the last row whether all can be copied.
     void lay_over() const {
         auto *screen = reinterpret_cast<uint8_t *>(screen_pixels());
-        ux::lay_over({screen + (10 * k_width + 10) * sizeof(Word), k_width * sizeof(Word)},
-                     {reinterpret_cast<const uint8_t *>(pixels.data()),
-                      static_cast<int64_t>(width * sizeof(Word))},
-                     width, height, sizeof(Word));
+        const auto *string = reinterpret_cast<const uint8_t *>(pixels.data());
+        const auto pitch_bytes = static_cast<int64_t>(width * sizeof(Word));
+        const bool opaque = is_opaque && !ux::has_transparent(string + (height - 1) * pitch_bytes,
+                                                              width, sizeof(Word));
+        const auto lay = opaque ? ux::copy_over : ux::lay_over;
+        lay({screen + (10 * k_width + 10) * sizeof(Word), k_width * sizeof(Word)},
+            {string, pitch_bytes}, width, height, sizeof(Word));
     }
 
     // Knows beforehand where every pixel is.
@@ -91,6 +95,7 @@ struct prepared_string {
                    width * sizeof(Word));
     }
 
+    bool is_opaque; // both colours show
     uint32_t width = 0;
     uint32_t height = 0;
     std::vector<Word> pixels;

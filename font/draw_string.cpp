@@ -44,20 +44,38 @@ uint32_t visible_count(const span &along, int screen) {
     return along.target < size ? std::min(along.count, size - along.target) : 0;
 }
 
-void lay_string(const void *string, uint32_t width, const span &across, const span &down) {
+// A rendered string: packed rows of pixels as wide as the screen's.
+struct rendered_string {
+    const uint8_t *pixels;
+    uint32_t width, height;
+    uint32_t fg, bg;
+
+    uint32_t pixel_bytes() const { return static_cast<uint32_t>(main_screen.bytes_per_pixel); }
+    int64_t pitch_bytes() const { return int64_t{width} * pixel_bytes(); }
+
+    bool shows(uint32_t color) const { return color << (32 - 8 * pixel_bytes()) != 0; }
+
+    // No pixel is transparent. What is below a low cell is so down to the last row.
+    bool is_opaque() const {
+        return height > 0 && shows(fg) && shows(bg) &&
+               !has_transparent(pixels + (height - 1) * pitch_bytes(), width, pixel_bytes());
+    }
+};
+
+void lay_string(const rendered_string &string, const span &across, const span &down) {
     const uint32_t columns = visible_count(across, main_screen.width);
     const uint32_t rows = visible_count(down, main_screen.height);
     if (columns == 0 || rows == 0 || !main_screen.buf)
         return;
-    const int64_t pixel_bytes = main_screen.bytes_per_pixel;
+    const int64_t pixel_bytes = string.pixel_bytes();
     const int64_t screen_pitch = main_screen.width * pixel_bytes;
-    const int64_t string_pitch = width * pixel_bytes;
-    lay_over(
-        {main_screen.buf + down.target * screen_pitch + across.target * pixel_bytes, screen_pitch},
-        {static_cast<const uint8_t *>(string) + down.source * string_pitch +
-             across.source * pixel_bytes,
-         string_pitch},
-        columns, rows, static_cast<uint32_t>(pixel_bytes));
+    const pixel_rows target = {
+        main_screen.buf + down.target * screen_pitch + across.target * pixel_bytes, screen_pitch};
+    const const_pixel_rows source = {string.pixels + down.source * string.pitch_bytes() +
+                                         across.source * pixel_bytes,
+                                     string.pitch_bytes()};
+    const auto lay = string.is_opaque() ? copy_over : lay_over;
+    lay(target, source, columns, rows, string.pixel_bytes());
 }
 
 // The largest size whose space fits into `height` rows goes to `size`, which is left alone when
@@ -93,7 +111,8 @@ int ux_draw_string(const char *text, int size, uint32_t fg, uint32_t bg, int x, 
     }
     if (align < 0 || align >= ux::k_alignments)
         align = 0;
-    ux::lay_string(string, width, ux::place_along(x, w, width, align % ux::k_places),
+    ux::lay_string({static_cast<const uint8_t *>(string), width, height, fg, bg},
+                   ux::place_along(x, w, width, align % ux::k_places),
                    ux::place_along(y, h, height, align / ux::k_places));
     free(string);
     return 0;

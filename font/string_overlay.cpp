@@ -70,6 +70,17 @@ UX_MULTIVERSION void lay_rows_8(const pixel_rows &screen, const const_pixel_rows
     lay_rows<uint8_t>(screen, string, columns, rows);
 }
 
+template <class Word>
+bool has_zero(const uint8_t *pixels, uint32_t columns) {
+    Word found = 0; // not left early and as wide as a pixel: several are looked at at once
+    for (uint32_t i = 0; i < columns; i++) {
+        Word pixel;
+        memcpy(&pixel, pixels + i * sizeof pixel, sizeof pixel);
+        found = static_cast<Word>(found | static_cast<Word>(pixel == 0));
+    }
+    return found != 0;
+}
+
 } // namespace
 
 void lay_over(const pixel_rows &screen, const const_pixel_rows &string, uint32_t columns,
@@ -80,6 +91,21 @@ void lay_over(const pixel_rows &screen, const const_pixel_rows &string, uint32_t
         lay_rows_16(screen, string, columns, rows);
     else if (pixel_bytes == sizeof(uint8_t))
         lay_rows_8(screen, string, columns, rows);
+}
+
+void copy_over(const pixel_rows &screen, const const_pixel_rows &string, uint32_t columns,
+               uint32_t rows, uint32_t pixel_bytes) {
+    const size_t bytes = size_t{columns} * pixel_bytes;
+    for (int64_t r = 0; r < rows; r++)
+        memcpy(screen.first + r * screen.pitch_bytes, string.first + r * string.pitch_bytes, bytes);
+}
+
+bool has_transparent(const uint8_t *pixels, uint32_t columns, uint32_t pixel_bytes) {
+    if (pixel_bytes == sizeof(uint32_t))
+        return has_zero<uint32_t>(pixels, columns);
+    if (pixel_bytes == sizeof(uint16_t))
+        return has_zero<uint16_t>(pixels, columns);
+    return has_zero<uint8_t>(pixels, columns);
 }
 
 } // namespace ux

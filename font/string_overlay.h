@@ -23,6 +23,13 @@ struct const_pixel_rows {
 void lay_over(const pixel_rows &screen, const const_pixel_rows &string, uint32_t columns,
               uint32_t rows, uint32_t pixel_bytes);
 
+// The same for a string without a transparent pixel; the screen is not read.
+void copy_over(const pixel_rows &screen, const const_pixel_rows &string, uint32_t columns,
+               uint32_t rows, uint32_t pixel_bytes);
+
+// Some of `columns` pixels are transparent.
+bool has_transparent(const uint8_t *pixels, uint32_t columns, uint32_t pixel_bytes);
+
 } // namespace ux
 
 #endif

@@ -22,7 +22,7 @@ int64_t steps_to(int64_t value, int64_t divisor) {
 UX_MULTIVERSION void lay_over(word32 *__restrict screen, const word32 *__restrict saved,
                               const uint8_t *__restrict ink, int64_t count, uint32_t fg) {
     for (int64_t i = 0; i < count; i++) {
-        const auto mask = static_cast<uint32_t>(static_cast<int8_t>(ink[i])); // all bits or none
+        const uint32_t mask = 0u - (ink[i] & 1u); // all bits or none
         screen[i] = (saved[i] & ~mask) | (fg & mask);
     }
 }

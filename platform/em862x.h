@@ -4,7 +4,8 @@
  * stand-in in platform/host/ and a test's fake all implement this one interface; libux leaves these
  * symbols undefined and takes whichever library is present at link or load time.
  *
- * Every function is called from the thread that paints.
+ * Every function is called from the thread that paints; the software rasteriser's also from the
+ * ticker's, but never by two threads at the same time.
  */
 #ifndef UX_PLATFORM_EM862X_H
 #define UX_PLATFORM_EM862X_H

@@ -46,9 +46,8 @@ bool multi_tap::types(int key) const {
 tap multi_tap::press(int key) {
     const key_letters &letters = *key2ascii_map[key];
     const bool again = key == current_key;
-    if (!again)
-        current_pos = 0;
-    else if (letters.cycle[++current_pos] == '\0')
+    current_pos = again ? current_pos + 1 : 0;
+    if (letters.cycle[current_pos] == '\0')
         current_pos = 0;
     current_key = key;
     const char *row = current_key_shift ? letters.capitals : letters.cycle;

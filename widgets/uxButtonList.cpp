@@ -48,7 +48,7 @@ void lay_out(const ux_button_list *list) {
     }
 }
 
-// The nearest visible button above or below the current one, or null; `*index` becomes its index.
+// The nearest visible button above or below the current one: whether there is one, and its index.
 bool find_visible(const ux_button_list *list, int direction, int *index) {
     for (int64_t i = int64_t{list->current} + direction; i >= 0 && i < list->item_count;
          i += direction) {
@@ -97,8 +97,8 @@ void discard(ux_button_list *list) {
 
 bool make_arrays(ux_button_list *list) {
     const auto count = static_cast<size_t>(list->item_count);
-    list->items = static_cast<ux_text_button **>(calloc(count, sizeof *list->items));
-    list->values = static_cast<uint32_t *>(calloc(count, sizeof *list->values));
+    list->items = static_cast<ux_text_button **>(calloc(count, sizeof(ux_text_button *)));
+    list->values = static_cast<uint32_t *>(calloc(count, sizeof(uint32_t)));
     if (list->items && list->values)
         return true;
     report_error("Not enough memory space for buttonlist!\n");

@@ -7,19 +7,20 @@
 namespace ux {
 namespace {
 
-// The mark fills a square as wide as the box is high: an outline, inside of it the check.
+// The mark's square is 2 pixels less than the box's height: an outline, inside of it the check.
+constexpr int k_mark_reduction = 2;
 constexpr int k_outline_inset = 2;
 constexpr int k_check_inset = 4;
-constexpr int k_caption_gap = 4; // pixels between the mark's square and the caption
+constexpr int k_caption_gap = 4; // pixels from a square of the box's height to the caption
 
 struct corners {
     int x0, y0, x1, y1;
 };
 
-// A square `inset` pixels inside the mark's, both corners included, and one line smaller at the
-// right and the bottom than at the left and the top: its corners change places in a low box.
+// A square `inset` pixels inside the mark's, both corners included. In a low box they have changed
+// places.
 corners mark_inside(const ux_obj *obj, int inset) {
-    const int64_t last = int64_t{obj->height} - 3 - inset;
+    const int64_t last = int64_t{obj->height} - k_mark_reduction - 1 - inset;
     return {coordinate(int64_t{obj->x} + inset), coordinate(int64_t{obj->y} + inset),
             coordinate(obj->x + last), coordinate(obj->y + last)};
 }

@@ -38,7 +38,7 @@ select_box_parts parts_of(const ux_obj *obj, int64_t less, int64_t more, int64_t
             .frame = {coordinate(obj->x + less), obj->y, coordinate(obj->width - less - more),
                       obj->height},
             .text = {coordinate(obj->x + border + k_sign_space + less), coordinate(obj->y + border),
-                     coordinate(obj->width - 2 * k_sign_space - 2 * border - less - more),
+                     coordinate(obj->width - less - more - 2 * border - 2 * k_sign_space),
                      coordinate(obj->height - 2 * border)}};
 }
 

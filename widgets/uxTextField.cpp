@@ -19,11 +19,13 @@ constexpr int k_no_timeout = -1;
 constexpr unsigned k_low_byte = 0xFF;
 constexpr int k_byte_bits = 8;
 
-struct {
-    multi_tap keypad;
-    key_capture backup_keys;
-    int current_timeoutid; // of the key in progress, or k_no_timeout
-} s_fields = {.keypad = {}, .backup_keys = {}, .current_timeoutid = k_no_timeout};
+struct text_field_state {
+    multi_tap keypad;        // letters, key in progress, capitals
+    key_capture backup_keys; // the page's handlers while a field has the focus
+    int current_timeoutid;   // of the key in progress, or k_no_timeout
+};
+
+text_field_state s_fields = {.keypad = {}, .backup_keys = {}, .current_timeoutid = k_no_timeout};
 
 // The units are little-endian: byte 2k is the low byte of unit k.
 unsigned byte_at(const char16_t *text, int index) {

@@ -147,7 +147,8 @@ void set_text_size(int pixels) {
 // The ticker.
 
 bool ticker_plays() {
-    return std::strcmp(getenv("TICKER_PLAYING"), "NO") != 0;
+    const char *value = getenv("TICKER_PLAYING");
+    return value != nullptr && std::strcmp(value, "NO") != 0;
 }
 
 // Nothing may paint the box from here to stop_ticker().
@@ -155,7 +156,10 @@ void start_ticker() {
     const int mode = s_player.mode;
     for (const flag *lowered : {&s_player.status, &s_player.message, &s_player.ticker_state})
         lowered->lower();
-    std::memcpy(getenv("TICKER_PLAYING"), "ON", 2); // in place of "NO", no thread reads it now
+    if (char *value = getenv("TICKER_PLAYING")) { // "NO", which no thread reads now
+        value[0] = 'O';
+        value[1] = 'N';
+    }
     s_player.ticker = std::thread([mode] {
         uxFontDrawing(s_player.news.path(), k_highlight_color, k_panel_color, k_ticker_left,
                       k_ticker_top, k_ticker_width, k_ticker_height, k_ticker_height,

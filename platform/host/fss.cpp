@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: MIT */
 /*
  * The FSS calls: a glyph that is in the table costs a look-up and a count up, everything else is
- * made by the source. Like the whole interface these belong to the painting thread; nothing is
+ * made by the source. They are called by one thread at a time, which libux sees to; nothing is
  * locked.
  */
 #include "platform/host/fss.h"

@@ -40,6 +40,7 @@ struct kind {
     uint32_t type;
     uint32_t flags;
     const char *out_of_memory;
+    ux_slot free = ux_obj_free;
 };
 
 const kind k_kinds[] = {
@@ -73,6 +74,24 @@ const kind k_kinds[] = {
          return made ? &made->obj : nullptr;
      },
      39, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
+    {"check_box",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_check_box *made = ux_check_box_new(parent, x, y, w, h, u"a");
+         return made ? &made->obj : nullptr;
+     },
+     40, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
+    {"slider_bar",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_slider_bar *made = ux_slider_bar_new(parent, x, y, w, h);
+         return made ? &made->obj : nullptr;
+     },
+     22, 0x10, "Error: [0] Not enough memory space for text field!\n\n"},
+    {"button_list",
+     [](ux_container *parent, int x, int y, int w, int h) -> ux_obj * {
+         ux_button_list *made = ux_button_list_new(parent, x, y, w, h, 0, 0);
+         return made ? &made->container.obj : nullptr;
+     },
+     0x80000014, 0, "Error: [0] Not enough memory space for button list!\n\n", ux_button_list_free},
 };
 
 class ConstructorTest : public ScreenTest, public ::testing::WithParamInterface<kind> {
@@ -112,7 +131,7 @@ TEST_P(ConstructorTest, header_has_the_common_defaults) {
     EXPECT_EQ(obj->bg_backup, nullptr);
     EXPECT_EQ(obj->fg_backup, nullptr);
     EXPECT_EQ(obj->get_status, &ux_obj_get_status);
-    EXPECT_EQ(obj->free, &ux_obj_free);
+    EXPECT_EQ(obj->free, GetParam().free);
     ux_obj_free(obj);
 }
 

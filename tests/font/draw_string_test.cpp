@@ -191,6 +191,20 @@ TEST_F(DrawStringTest, rows_below_a_low_cell_leave_the_screen) {
     EXPECT_EQ(buf_pixel(4, 6), 9u);
 }
 
+TEST_F(DrawStringTest, low_cell_in_the_middle_leaves_the_screen_below_it_alone) {
+    set_cell(' ', 3, 2); // between two cells of 4 x 3
+    for (const int bytes : {1, 2, 4}) {
+        main_screen.bytes_per_pixel = bytes;
+        memset(main_screen.buf, 9, static_cast<size_t>(16 * 8 * bytes));
+        draw("a a", 0, 0, 16, 8, 0, 3);
+        for (int x = 0; x < 16; x++) {
+            const bool below = x >= 4 && x < 7;
+            EXPECT_EQ(main_screen.buf[(2 * 16 + x) * bytes] == 9, below || x >= 11) << x;
+            EXPECT_EQ(main_screen.buf[(1 * 16 + x) * bytes] == 9, x >= 11) << x;
+        }
+    }
+}
+
 TEST_F(DrawStringTest, sixteen_bit_screen_stores_the_low_half_and_a_zero_half_is_transparent) {
     make_screen(16, 8, UX_COLOR_MODE_RGB565);
     fill_buf(9);

@@ -19,12 +19,13 @@ void drop_timers() {
     ux_atimer_count = 0;
 }
 
-// Lowest first: children free themselves through their slots, whatever they are.
+// Lowest first: children free themselves through their slots, whatever they are. Containers whose
+// slot leaves their own children are walked.
 void free_tree(ux_container *container) {
     ux_obj *child = container->children;
     while (child) {
         ux_obj *next = child->next;
-        if (child->type & UX_TYPE_CONTAINER)
+        if ((child->type & UX_TYPE_CONTAINER) && child->free == ux_obj_free)
             free_tree(reinterpret_cast<ux_container *>(child));
         else
             child->free(child);

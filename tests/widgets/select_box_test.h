@@ -33,6 +33,7 @@ class SelectBoxTest : public WidgetTest {
         any->obj.unset_focus(&any->obj);
         std::fill(std::begin(page->key_handlers), std::end(page->key_handlers), nullptr);
         ux_container_del_obj(root(), &any->obj, 0, 0);
+        boxes.clear();
         testing::internal::CaptureStdout();
         ux_open_font();
         testing::internal::GetCapturedStdout();
