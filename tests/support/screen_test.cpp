@@ -65,6 +65,7 @@ void ScreenTest::TearDown() {
     for (const guarded_memory &memory : m_memories)
         EXPECT_TRUE(memory.guards_are_whole()) << "a write outside the screen";
     main_screen = {};
+    fake_chip::reset(); // frees the glyphs that are kept on purpose
 }
 
 void ScreenTest::make_screen(int width, int height, int color_mode) {
