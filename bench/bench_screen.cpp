@@ -33,3 +33,8 @@ uint32_t *other_pixels() {
     static auto *const memory = reinterpret_cast<uint32_t *>(allocate());
     return memory;
 }
+
+void open_font_once() {
+    static const int opened = ux_open_font();
+    benchmark::DoNotOptimize(opened);
+}

@@ -24,6 +24,9 @@ inline uint32_t *screen_pixels() {
 // A second screen's worth of memory, for peers and sources.
 uint32_t *other_pixels();
 
+// Opens the font on the graphics engine, which can be done only once in a program.
+void open_font_once();
+
 // Registers "task/contender"; `work` is what one iteration does.
 template <class Work>
 void contender(const char *name, Work work) {
@@ -48,6 +51,7 @@ void register_text();
 void register_string();
 void register_ticker();
 void register_page();
+void register_desk();
 void register_input_widgets();
 
 // Prints what share of a core a running ticker takes; for some seconds.

@@ -32,7 +32,7 @@ struct inputs {
 inputs make_inputs() {
     inputs made;
     use_screen();
-    ux_open_font();
+    open_font_once();
     made.page_id = ux_page_new();
     ux_page *page = main_screen.pages[made.page_id];
     ux_container *root = &page->container;

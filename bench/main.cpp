@@ -32,6 +32,7 @@ int main(int argc, char **argv) {
     register_string();
     register_ticker();
     register_page();
+    register_desk();
     register_input_widgets();
     ratio_report report;
     benchmark::RunSpecifiedBenchmarks(&report);

@@ -20,11 +20,6 @@ static_assert(sizeof k_text == 20 + 1);
 constexpr uint32_t k_fg = 0xFFFFFFFF;
 constexpr uint32_t k_bg = 0xFF103050;
 
-void open_font_once() {
-    static const int opened = ux_open_font();
-    benchmark::DoNotOptimize(opened);
-}
-
 void draw(int size, uint32_t bg) {
     ux_draw_string(k_text, size, k_fg, bg, 10, 10, 600, 100, 0);
 }

@@ -43,13 +43,18 @@ set(UX_SOURCES
     graphics/uxImage.cpp
     graphics/uxImage_em862x.cpp
     graphics/yuv.cpp
+    widgets/calendar_date.cpp
+    widgets/clock_hands.cpp
     widgets/key_capture.cpp
     widgets/multi_tap.cpp
     widgets/sign.cpp
     widgets/uxButtonList.cpp
+    widgets/uxCalendar.cpp
     widgets/uxCheckBox.cpp
+    widgets/uxClock.cpp
     widgets/uxImageButton.cpp
     widgets/uxImageLabel.cpp
+    widgets/uxMemo.cpp
     widgets/uxSelectBox.cpp
     widgets/uxSlider.cpp
     widgets/uxTextButton.cpp

@@ -58,6 +58,7 @@ void init_defaults(ux_obj *obj) {
     obj->handler_data = nullptr;
     ux_obj_set_default_border_color(obj);
     obj->bg_backup = nullptr;
+    obj->fg_backup = nullptr;
 }
 
 // The parent's add_obj comes before the defaults: a host's own may look at an unfinished object,

@@ -106,8 +106,11 @@ class ticker {
     bool m_is_saved = false;
 };
 
+// The first two flags are read on every frame, the third when neither of them stops the ticker.
 bool host_stops() {
-    return host_needs_screen() || variable_is("TICKER_STATE", "STOP_TICKER");
+    const bool goes_to_menu = host_goes_to_menu();
+    const bool shows_message = host_shows_message();
+    return goes_to_menu || shows_message || variable_is("TICKER_STATE", "STOP_TICKER");
 }
 
 enum class pass { showed_nothing, complete, stopped };

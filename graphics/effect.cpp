@@ -165,9 +165,10 @@ int64_t pace_of(const placed_block &block, int effect) {
     return std::max<int64_t>(1, main_screen.height / block.height);
 }
 
-// Other parts of the player may raise a flag at any time: they are read after each step.
+// Other parts of the player may raise a flag at any time: they are read after each step, the second
+// only if the first does not stop the effect.
 bool host_stops() {
-    if (!host_needs_screen())
+    if (!host_goes_to_menu() && !host_shows_message())
         return false;
     setenv("PHOTO_PLAYING", "NO", 1);
     return true;

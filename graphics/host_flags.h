@@ -25,11 +25,14 @@ inline bool variable_is(const char *name, const char *value) {
     return value_is(getenv(name), value);
 }
 
-// The host goes back to its menu, or has a message to show. Both variables are read every time.
-inline bool host_needs_screen() {
-    const bool goes_to_menu = variable_is("STATUS", "gotoMenu");
-    const bool shows_message = variable_is("ShowMSG", "YES");
-    return goes_to_menu || shows_message;
+// The host goes back to its menu.
+inline bool host_goes_to_menu() {
+    return variable_is("STATUS", "gotoMenu");
+}
+
+// The host has a message to show.
+inline bool host_shows_message() {
+    return variable_is("ShowMSG", "YES");
 }
 
 } // namespace ux

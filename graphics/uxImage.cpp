@@ -4,6 +4,7 @@
 
 #include "graphics/blend.h"
 #include "graphics/effect.h"
+#include "graphics/image_stamp.h"
 #include "graphics/placed_block.h"
 #include "ux_bitmap.h"
 
@@ -55,26 +56,38 @@ void *allocate_block(int width, int height) {
                   static_cast<size_t>(bpp));
 }
 
-void *load(const char *path, int width, int height, uint8_t alpha) {
+// A block that may have been decoded in part only: the rest of it draws nothing.
+struct loaded_block {
+    void *pixels; // null when the file can not be opened or there is no memory
+    bool is_whole;
+};
+
+loaded_block load(const char *path, int width, int height, uint8_t alpha) {
     const bool empty = width <= 0 || height <= 0;
     const RMBitmapOptions options = {alpha, empty ? 0 : static_cast<uint32_t>(width),
                                      empty ? 0 : static_cast<uint32_t>(height)};
     RMBitmapFile file;
     if (RMOpenBitmapFile(path, &file, &options) != UX_BITMAP_SUCCESS) {
         printf("RMOpenBitmapFile %s FAIL on ux_load_image\n", path);
-        return nullptr;
+        return {nullptr, false};
     }
-    void *block = allocate_block(width, height);
-    if (!block)
+    loaded_block block = {allocate_block(width, height), true};
+    if (!block.pixels)
         printf("RMOpenBitmapFile %s BUF NULL on ux_load_image\n", path);
     else if (!empty)
-        RMBitmapToRaw(static_cast<uint8_t *>(block), &file);
+        block.is_whole =
+            RMBitmapToRaw(static_cast<uint8_t *>(block.pixels), &file) == UX_BITMAP_SUCCESS;
     RMCloseBitmapFile(&file);
     return block;
 }
 
 bool is_on_screen(int x, int y) {
     return x >= 0 && x < main_screen.width && y >= 0 && y < main_screen.height;
+}
+
+// The line that hosts count drawn pictures by.
+void announce(const char *path) {
+    printf("ADV Play PHOTO %s\n", path);
 }
 
 // Draws a loaded block, which may be null, and releases it.
@@ -86,14 +99,36 @@ void draw_and_free(void *block, int x, int y, int width, int height, int effect)
 }
 
 } // namespace
+
+image_stamp::~image_stamp() {
+    free(m_block);
+}
+
+void image_stamp::draw_at(int x, int y) {
+    if (!is_on_screen(x, y))
+        return;
+    announce(m_path);
+    if (m_block) {
+        ux_draw_image_buff(m_block, x, y, m_width, m_height, 0);
+        return;
+    }
+    const loaded_block block = load(m_path, m_width, m_height, k_opaque);
+    if (block.is_whole)
+        m_block = block.pixels;
+    if (block.pixels)
+        ux_draw_image_buff(block.pixels, x, y, m_width, m_height, 0);
+    if (!block.is_whole)
+        free(block.pixels);
+}
+
 } // namespace ux
 
 void *ux_load_image(const char *path, int width, int height) noexcept {
-    return ux::load(path, width, height, ux::k_opaque);
+    return ux::load(path, width, height, ux::k_opaque).pixels;
 }
 
 void *ux_load_image_transparent(const char *path, int width, int height, uint8_t alpha) noexcept {
-    return ux::load(path, width, height, alpha);
+    return ux::load(path, width, height, alpha).pixels;
 }
 
 int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
@@ -123,9 +158,9 @@ int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
 int ux_draw_image(const char *path, int x, int y, int width, int height, int mode) noexcept {
     if (!ux::is_on_screen(x, y))
         return 0;
-    printf("ADV Play PHOTO %s\n", path);
+    ux::announce(path);
     if (mode == ux::k_mode_transparent) {
-        ux::draw_and_free(ux::load(path, width, height, ux::k_half_transparent), x, y, width,
+        ux::draw_and_free(ux::load(path, width, height, ux::k_half_transparent).pixels, x, y, width,
                           height, 0);
         return 0;
     }

@@ -17,8 +17,8 @@
  * afterwards.
  *
  * Threads. Painting, timers and handlers run on the one thread that calls ux_screen_main_loop(). No
- * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event() and,
- * as told there, ux_event_get() and the tickers, which need a thread of their own.
+ * function may be called from another thread, but ux_screen_quit_main_loop(), send_pipe_event()
+ * and, as told there, ux_event_get() and the tickers, which need a thread of their own.
  *
  * Texts. Widget texts are 16-bit code units ended by a zero unit, at most 127 units: u"Play".
  * Paths are ordinary byte strings.
@@ -72,7 +72,10 @@ extern "C" {
 #define UX_TYPE_TEXT_LABEL 0x00000003u   /* ux_text_label */
 #define UX_TYPE_IMAGE_LABEL 0x00000004u  /* ux_image_label */
 #define UX_TYPE_TEXT_BUTTON 0x00000005u  /* ux_text_button */
+#define UX_TYPE_MEMO 0x00000005u         /* ux_memo: the same number */
 #define UX_TYPE_IMAGE_BUTTON 0x00000006u /* ux_image_button */
+#define UX_TYPE_CALENDAR 0x0000000Bu     /* ux_calendar */
+#define UX_TYPE_CLOCK 0x0000000Cu        /* ux_clock */
 #define UX_TYPE_TEXT_FIELD 0x0000000Eu   /* ux_text_field */
 #define UX_TYPE_SLIDER_BAR 0x00000016u   /* ux_slider_bar */
 #define UX_TYPE_SELECT_BOX 0x00000027u   /* ux_select_box */
@@ -1525,6 +1528,226 @@ UX_API int ux_button_list_repaint(ux_obj *list) UX_NOEXCEPT;
 
 /* Releases the list and its buttons. Does not unlink it. Returns 0. */
 UX_API int ux_button_list_free(ux_obj *list) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Memo                                                                                           */
+/* ============================================================================================== */
+
+/* Lines of text over the player's message picture: "/orbo/images/MSGbgimage.png", or else
+ * "/mnt/firmware/images/MSGbgimage.png", read at every show and fitted into the border. A text
+ * without units, or of more than 127, shows neither text nor picture. The memo takes the focus,
+ * which colours its border, but no keys. It paints no background, saves none, and is painted
+ * whatever page is current. Size of the text: the environment variable "FontSize"; 16 when it is
+ * unset. */
+typedef struct ux_memo {
+    ux_obj obj;        /* the header; `type` is the text button's */
+    char16_t *text;    /* the memo's own copy of the text; null = none */
+    uint32_t fg_color; /* text; default grey */
+    uint32_t bg_color; /* stored only; default black */
+    int32_t font_size; /* stored only; default 16 */
+} ux_memo;
+
+/* Makes a memo with a copy of `text` (null = empty) and links it into `parent`, which may be null.
+ * Returns null when out of memory for the record. */
+UX_API ux_memo *ux_memo_new(ux_container *parent, int x, int y, int w, int h,
+                            const char16_t *text) UX_NOEXCEPT;
+
+/* Fills a record of the host's and links it into `parent`. A record that is not from malloc() must
+ * not be freed through its `free` slot. Returns 0. */
+UX_API int ux_memo_init(ux_container *parent, ux_memo *memo, int x, int y, int w, int h,
+                        const char16_t *text) UX_NOEXCEPT;
+
+/* Copies `text` up to its zero unit, or its first 129 units when none of the first 128 is zero, in
+ * place of the old copy; null empties it. Returns 0, or -2 when out of memory: the memo then has no
+ * text. */
+UX_API int ux_memo_set_text(ux_memo *memo, const char16_t *text) UX_NOEXCEPT;
+
+/* Stores the text colour. Returns 0. */
+UX_API int ux_memo_set_fg_color(ux_memo *memo, uint32_t color) UX_NOEXCEPT;
+
+/* Stores the background colour, which is not painted. Returns 0. */
+UX_API int ux_memo_set_bg_color(ux_memo *memo, uint32_t color) UX_NOEXCEPT;
+
+/* Stores the font size, which is not used; a null memo is ignored. Returns 0. */
+UX_API int ux_memo_set_font_size(ux_memo *memo, int n) UX_NOEXCEPT;
+
+/* Does nothing: the font is one for all. Returns 0. */
+UX_API int ux_memo_set_font(ux_memo *memo, ...) UX_NOEXCEPT;
+
+/* Stores the border width in pixels. Returns 0. */
+UX_API int ux_memo_set_border(ux_memo *memo, int n) UX_NOEXCEPT;
+
+/* Stores the border colours of all four sides, normal and focused. Returns 0. */
+UX_API int ux_memo_set_border_color(ux_memo *memo, uint32_t normal, uint32_t focus) UX_NOEXCEPT;
+
+/* ux_obj_set_size() of the memo. Returns 0. */
+UX_API int ux_memo_set_size(ux_memo *memo, int x, int y, int w, int h) UX_NOEXCEPT;
+
+/* Marks the memo visible and paints it; a message on standard output when neither picture can be
+ * read, and the border alone. Returns 0. */
+UX_API int ux_memo_show(ux_obj *memo) UX_NOEXCEPT;
+
+/* Marks the memo hidden; its pixels stay. Returns 0. */
+UX_API int ux_memo_hide(ux_obj *memo) UX_NOEXCEPT;
+
+/* Shows a visible memo, hides a hidden one. Returns 0. */
+UX_API int ux_memo_repaint(ux_obj *memo) UX_NOEXCEPT;
+
+/* Marks the memo focused and makes it the page's focus object; paints nothing. Returns 0. */
+UX_API int ux_memo_set_focus(ux_obj *memo) UX_NOEXCEPT;
+
+/* Takes the focused mark away; paints nothing. Returns 0. */
+UX_API int ux_memo_unset_focus(ux_obj *memo) UX_NOEXCEPT;
+
+/* Releases the text and the record, not a background copy. Does not unlink it. Returns 0. */
+UX_API int ux_memo_free(ux_obj *memo) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Clock                                                                                          */
+/* ============================================================================================== */
+
+/* A face picture with three straight hands. The clock keeps a time of its own: while it is visible
+ * it looks at the system's seconds every 10 ms, and whenever 2 or more have passed it advances by
+ * ONE second, paints itself and calls the tick handler. The true time comes from the host: the sync
+ * handler is called when a hidden clock is shown and then at every sync_period-th advance, and sets
+ * the time with ux_clock_settime(). On a page that is not current the clock runs unpainted.
+ *
+ * With r the radius, the hour hand reaches from the centre to 0.6 r, the minute hand to 0.8 r, the
+ * second hand from 0.1 r behind the centre to r. Painting brings the previous picture to the screen
+ * first and the new one into `buf` only: where `buf` and `fb` are apart, the screen is one advance
+ * behind.
+ *
+ * A clock may be hidden, shown and freed in its own handlers. It takes no focus. */
+typedef struct ux_clock ux_clock;
+
+/* Asks a host for the true time. From ux_clock_show() a, b and c are the caller's values, else 0.
+ * The result is ignored. */
+typedef int (*ux_clock_sync_handler)(ux_clock *clock, intptr_t a, intptr_t b, intptr_t c);
+
+/* Tells a host the time after an advance. The result is ignored. */
+typedef int (*ux_clock_tick_handler)(ux_clock *clock, int hours, int minutes, int seconds);
+
+/* The inner life of a clock, not for the host to write. */
+typedef struct ux_clock_state {
+    void *face;          /* pixel block of the clock's width x height */
+    void *second_image;  /* pixel block of 2 r x 2 r, kept and not painted; or null */
+    void *third_image;   /* the same */
+    time_t last_advance; /* system time of the last advance or show, seconds */
+    ux_clock_sync_handler sync_handler; /* or null */
+    ux_clock_tick_handler tick_handler; /* or null */
+    int32_t sync_countdown;             /* advances until the sync handler is called */
+    int32_t timeout_id;                 /* the pending timeout; negative = none */
+} ux_clock_state;
+
+struct ux_clock {
+    ux_obj obj;            /* the header */
+    int32_t radius;        /* length of the second hand, pixels */
+    int32_t center_x;      /* columns from the left edge to the hands' centre */
+    int32_t center_y;      /* rows from the top edge to it */
+    int32_t hours;         /* 0..23; at first 0 */
+    int32_t minutes;       /* 0..59; at first 0 */
+    int32_t seconds;       /* 0..59; at first 0 */
+    int32_t sync_period;   /* advances between two calls of the sync handler; default 15 */
+    ux_clock_state *state; /* its own */
+};
+
+/* Makes a clock that stands hidden at 0:00:00 and links it into `parent`, which may be null. `face`
+ * is the picture that is painted; `second` and `third`, which may be null, are read and kept only.
+ * Returns null when a hand would leave the clock (nothing is printed), when the face can not be
+ * read, and when out of memory. */
+UX_API ux_clock *ux_clock_new(ux_container *parent, int x, int y, int w, int h, int radius,
+                              int center_x, int center_y, const char *face, const char *second,
+                              const char *third) UX_NOEXCEPT;
+
+/* Stores the time. Returns 0. */
+UX_API int ux_clock_settime(ux_clock *clock, int hours, int minutes, int seconds) UX_NOEXCEPT;
+
+/* Stores the handler that is asked for the true time, null for none. Returns 0. */
+UX_API int ux_clock_set_sync_cb(ux_clock *clock, ux_clock_sync_handler handler) UX_NOEXCEPT;
+
+/* Stores the handler that hears of advances, null for none. Returns 0. */
+UX_API int ux_clock_set_tick_cb(ux_clock *clock, ux_clock_tick_handler handler) UX_NOEXCEPT;
+
+/* Makes the clock visible and lets it run; a hidden one first calls the sync handler with a, b and
+ * c, which are 0 when the `show` slot is called. Returns what ux_clock_paint() returns. */
+UX_API int ux_clock_show(ux_obj *clock, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
+
+/* Marks the clock hidden and stops it; its pixels stay. Returns 0. */
+UX_API int ux_clock_hide(ux_obj *clock) UX_NOEXCEPT;
+
+/* Shows a visible clock, hides a hidden one. Returns 0. */
+UX_API int ux_clock_repaint(ux_obj *clock, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
+
+/* Paints a visible clock on the current page. Returns 0. */
+UX_API int ux_clock_paint(ux_obj *clock) UX_NOEXCEPT;
+
+/* What the clock's timeout calls, with the clock as the event's data. Returns 0. */
+UX_API int ux_clock_update(ux_event *ev) UX_NOEXCEPT;
+
+/* Stops the clock and releases it. Does not unlink it. Returns 0. */
+UX_API int ux_clock_free(ux_obj *clock) UX_NOEXCEPT;
+
+/* ============================================================================================== */
+/* Calendar                                                                                       */
+/* ============================================================================================== */
+
+/* One month: its number, name and year on the left, a row of weekday names, and for each day the
+ * picture "black.png" of a directory with the number upon it, weekend columns in red. The layout is
+ * in screen pixels, wherever the calendar is: the grid begins at column 178, its header at row 50,
+ * its first cells at row 80. With (width - 178) / 7 - 3 rounded down to an even number for a cell's
+ * width and (height - 80) / 6 for the rows' pitch, only width and height of the calendar count; x
+ * and y are for the update and for hiding. Size of the text: "FontSize"; 16 when it is unset. */
+typedef struct ux_calendar {
+    ux_obj obj;                    /* the header */
+    char image_dir[UX_PATH_BYTES]; /* directory of "black.png" */
+    int16_t year;                  /* the date set; default 2009 */
+    int16_t month;                 /* 1..12; default 1 */
+    int16_t day;                   /* 1..31; default 1 */
+    int16_t weekday;               /* of the date: 0 = Sunday to 6 = Saturday */
+    int16_t shown_year;            /* the month painted: a copy of the date set */
+    int16_t shown_month;           /* 1..12; of any other nothing is painted */
+    int16_t shown_day;             /* not used */
+    int16_t shown_weekday;         /* not used */
+    int16_t reserved;              /* 0 */
+} ux_calendar;
+
+/* Makes a calendar of January 2009 with a copy of the directory (null = empty) and links it into
+ * `parent`, which may be null. Returns null when out of memory. */
+UX_API ux_calendar *ux_calendar_new(ux_container *parent, int x, int y, int w, int h,
+                                    const char *image_dir) UX_NOEXCEPT;
+
+/* Fills a record of the host's and links it into `parent`. A record that is not from malloc() must
+ * not be freed through its `free` slot. Returns 0. */
+UX_API int ux_calendar_init(ux_container *parent, ux_calendar *calendar, int x, int y, int w, int h,
+                            const char *image_dir) UX_NOEXCEPT;
+
+/* Copies a directory, at most 255 bytes; null empties it. Returns 0. */
+UX_API int ux_calendar_set_images(ux_calendar *calendar, const char *image_dir) UX_NOEXCEPT;
+
+/* Stores the low 16 bits of each number as the date, its weekday, and both as what is shown.
+ * Returns 0. */
+UX_API int ux_calendar_set_date(ux_calendar *calendar, int year, int month, int day) UX_NOEXCEPT;
+
+/* The weekday of a date, 0 = Sunday to 6 = Saturday; the day after 2 September 1752 is the 14th. It
+ * is right from that day on; before it, centuries count by the same rule as after. The remainder
+ * may be negative for years below 1. */
+UX_API int ux_calendar_get_week(int year, int month, int day) UX_NOEXCEPT;
+
+/* Marks the calendar visible and, on the current page, paints it. Returns 0. */
+UX_API int ux_calendar_show(ux_obj *calendar) UX_NOEXCEPT;
+
+/* Marks the calendar hidden and, on the current page, fills its rectangle with 0 in `buf`. Returns
+ * 0. */
+UX_API int ux_calendar_hide(ux_obj *calendar) UX_NOEXCEPT;
+
+/* Shows a visible calendar, hides a hidden one. Returns 0. */
+UX_API int ux_calendar_repaint(ux_obj *calendar) UX_NOEXCEPT;
+
+/* Marks the calendar focused and makes it the page's focus object; paints nothing. Returns 0. */
+UX_API int ux_calendar_set_focus(ux_obj *calendar) UX_NOEXCEPT;
+
+/* Takes the focused mark away; paints nothing. Returns 0. */
+UX_API int ux_calendar_unset_focus(ux_obj *calendar) UX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

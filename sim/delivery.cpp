@@ -2,6 +2,7 @@
 // The pace of messages, driven by what the host does with its event pipe.
 #include "sim/delivery.h"
 
+#include "sim/failure.h"
 #include "sim/run_folder.h"
 
 #include <array>
@@ -72,6 +73,18 @@ void delivery::step(steady::time_point now) {
             enter(state::ready, now);
         }
         return;
+    }
+}
+
+// The host may have taken it since the last step, and may have removed the queue when it ended.
+bool delivery::taken() const {
+    if (!m_waiting.empty()) {
+        return false;
+    }
+    try {
+        return m_state != state::in_queue || waiting_messages(m_queue) == 0;
+    } catch (const failure &) {
+        return true;
     }
 }
 

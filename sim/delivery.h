@@ -32,7 +32,7 @@ class delivery {
     bool idle() const { return m_state == state::ready && m_waiting.empty(); }
 
     // The host has taken the last posted message from the queue, if not yet from the pipe.
-    bool taken() const { return m_state != state::in_queue && m_waiting.empty(); }
+    bool taken() const;
 
     // The host has made its event pipe: it receives, or is about to.
     bool host_receives() const { return m_pipe_made; }

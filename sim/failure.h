@@ -11,6 +11,7 @@ namespace ux::sim {
 constexpr int k_status_ok = 0;
 constexpr int k_status_failed = 1;           // the run went wrong
 constexpr int k_status_usage = 2;            // bad options or a bad script; nothing was started
+constexpr int k_status_unexpected = 3;       // a shot is not what --expect holds
 constexpr int k_status_cannot_execute = 126; // as shells report it
 constexpr int k_status_not_found = 127;      // as shells report it
 constexpr int k_status_signal_base = 128;    // plus the number of the signal

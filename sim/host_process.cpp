@@ -73,6 +73,7 @@ std::vector<char *> pointers(std::vector<std::string> &texts) {
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
+    signal(SIGXFSZ, SIG_DFL);
     // A viewer that is killed takes its host with it.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() == parent) {

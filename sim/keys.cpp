@@ -49,6 +49,11 @@ std::span<const key_name> key_names() {
     return k_names;
 }
 
+std::string key_text(int code) {
+    const auto *found = std::ranges::find(k_names, code, &key_name::code);
+    return found == k_names.end() ? std::to_string(code) : std::string(found->name);
+}
+
 std::optional<int> key_from_text(std::string_view text) {
     for (const key_name &key : k_names) {
         if (same_name(key.name, text)) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace ux::sim {
@@ -26,6 +27,9 @@ struct key_name {
 
 // Every name, the preferred one of a key first.
 std::span<const key_name> key_names();
+
+// The preferred name of a key, or its code in digits.
+std::string key_text(int code);
 
 // The code of a key given by name (letters of either case) or by code 0..255. A plain number is
 // always a code: the key that types 5 is "digit5".

@@ -19,9 +19,12 @@ bool is_set(const char *variable) {
     return value != nullptr && *value != '\0';
 }
 
-bool wants_window(display_choice choice) {
+// Nobody could follow virtual time that no script holds up.
+bool wants_window(const options &run) {
     bool display = is_set("DISPLAY") || is_set("WAYLAND_DISPLAY");
-    return choice == display_choice::window || (choice == display_choice::automatic && display);
+    bool followed = !run.virtual_time || !run.script.empty();
+    return run.display == display_choice::window ||
+           (run.display == display_choice::automatic && display && followed);
 }
 
 int run_simulator(int argc, char **argv) {
@@ -36,7 +39,7 @@ int run_simulator(int argc, char **argv) {
         steps = read_script(run.script);
     }
     viewer_maker window;
-    if (wants_window(run.display)) {
+    if (wants_window(run)) {
         window = [&run](const shared_screen &screen) {
             return open_window(screen, std::filesystem::path(run.host.front()).filename());
         };

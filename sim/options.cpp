@@ -6,6 +6,7 @@
 #include "sim/number.h"
 
 #include <array>
+#include <ctime>
 
 #include <getopt.h>
 
@@ -27,15 +28,21 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
                        (default: a window where there is a display)
   --script FILE        send keys and touches, wait, take shots; '-' = standard input
   --shots DIR          folder for the script's shots (default: the current one)
+  --expect DIR         compare each shot with the picture of its name in DIR
+  --record FILE        write down keys and touches as a script for --script
   --root DIR           look for /orbo/... and /mnt/firmware/... below DIR first
   --queue-path PATH    name the input queue by PATH, for ux-remote --queue-path PATH
   --timeout SECONDS    end a run that takes longer, as a failure
+  --virtual-time       let the host's time jump to whatever it waits for
+  --date DATE          virtual time begins at DATE, YYYY-MM-DD[THH:MM[:SS]] (default 2025-01-01)
+  --stall SECONDS      fail when virtual time stands still for so long (default 10)
   --verbose            tell the queue's path and the shots written
   --help, --version
 
 Script verbs, one a line; '#' starts a comment:
   key NAME|CODE        touch X Y            shot FILE.png        quit
   wait MS              wait still MS [within MS]                 wait exit [within MS]
+  wait until MS        (since the run began)
 )";
 
 enum option_code { // beyond the letters
@@ -45,24 +52,34 @@ enum option_code { // beyond the letters
     o_headless,
     o_script,
     o_shots,
+    o_expect,
+    o_record,
     o_root,
     o_queue_path,
     o_timeout,
+    o_virtual_time,
+    o_date,
+    o_stall,
     o_verbose,
     o_help,
     o_version,
 };
 
-constexpr std::array<option, 13> k_options = {{
+constexpr std::array<option, 18> k_options = {{
     {"size", required_argument, nullptr, o_size},
     {"format", required_argument, nullptr, o_format},
     {"window", no_argument, nullptr, o_window},
     {"headless", no_argument, nullptr, o_headless},
     {"script", required_argument, nullptr, o_script},
     {"shots", required_argument, nullptr, o_shots},
+    {"expect", required_argument, nullptr, o_expect},
+    {"record", required_argument, nullptr, o_record},
     {"root", required_argument, nullptr, o_root},
     {"queue-path", required_argument, nullptr, o_queue_path},
     {"timeout", required_argument, nullptr, o_timeout},
+    {"virtual-time", no_argument, nullptr, o_virtual_time},
+    {"date", required_argument, nullptr, o_date},
+    {"stall", required_argument, nullptr, o_stall},
     {"verbose", no_argument, nullptr, o_verbose},
     {"help", no_argument, nullptr, o_help},
     {"version", no_argument, nullptr, o_version},
@@ -99,13 +116,29 @@ pixel_format read_format(const std::string &text) {
     return pixel_format::rgb565;
 }
 
-int read_timeout(const std::string &text) {
+int read_seconds(const std::string &name, const std::string &text) {
     auto seconds = number_in(text, 1, k_longest_timeout_s);
     if (!seconds) {
-        refuse("--timeout wants 1 to " + std::to_string(k_longest_timeout_s) + " seconds, not '" +
-               text + "'");
+        refuse("--" + name + " wants 1 to " + std::to_string(k_longest_timeout_s) +
+               " seconds, not '" + text + "'");
     }
     return *seconds;
+}
+
+// A date and a time of day, UTC, as seconds since 1970.
+int64_t read_date(const std::string &text) {
+    for (const char *form : {"%Y-%m-%d", "%Y-%m-%dT%H:%M", "%Y-%m-%dT%H:%M:%S"}) {
+        tm parts{};
+        const char *end = strptime(text.c_str(), form, &parts);
+        const tm asked = parts;
+        const time_t seconds = timegm(&parts);
+        // timegm turns April 31 into May 1; years before 1980 leave no room for other clocks.
+        if (end != nullptr && *end == '\0' && parts.tm_mday == asked.tm_mday &&
+            parts.tm_year >= 80 && parts.tm_year < 200) {
+            return seconds;
+        }
+    }
+    refuse("--date wants YYYY-MM-DD[THH:MM[:SS]], 1980 to 2099, not '" + text + "'");
 }
 
 std::string read_path(const char *name, const std::string &text) {
@@ -134,6 +167,12 @@ void apply(int code, const std::string &argument, options &run) {
     case o_shots:
         run.shots = read_path("shots", argument);
         return;
+    case o_expect:
+        run.expect = read_path("expect", argument);
+        return;
+    case o_record:
+        run.record = read_path("record", argument);
+        return;
     case o_root:
         run.root = read_path("root", argument);
         return;
@@ -141,7 +180,16 @@ void apply(int code, const std::string &argument, options &run) {
         run.queue_path = read_path("queue-path", argument);
         return;
     case o_timeout:
-        run.timeout_s = read_timeout(argument);
+        run.timeout_s = read_seconds("timeout", argument);
+        return;
+    case o_virtual_time:
+        run.virtual_time = true;
+        return;
+    case o_date:
+        run.first_second = read_date(argument);
+        return;
+    case o_stall:
+        run.stall_s = read_seconds("stall", argument);
         return;
     case o_verbose:
         run.verbose = true;
@@ -178,6 +226,9 @@ command_line parse_command_line(int argc, char **argv) {
         apply(code, optarg == nullptr ? "" : optarg, run);
     }
     run.host.assign(argv + optind, argv + argc);
+    if (run.virtual_time && run.script.empty() && run.display == display_choice::window) {
+        refuse("--virtual-time with a window wants a script");
+    }
     if (run.host.empty() || run.host.front().empty()) {
         refuse("no host program given");
     }

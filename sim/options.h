@@ -3,6 +3,7 @@
 #pragma once
 
 #include "sim/screen.h"
+#include "sim/virtual_clock.h"
 
 #include <optional>
 #include <string>
@@ -17,11 +18,16 @@ struct options {
     display_choice display = display_choice::automatic;
     std::string script;      // file, "-" = standard input, empty = none
     std::string shots = "."; // folder for the pictures
+    std::string expect;      // folder of reference pictures; empty = none
+    std::string record;      // file to write a session's script to; empty = none
     std::string root;        // stands in for the device's folders; empty = none
     std::string queue_path;  // names the queue; empty = the run's own folder
     int timeout_s = 0;       // of the whole run; 0 = none
     bool verbose = false;
-    std::vector<std::string> host; // program and arguments
+    bool virtual_time = false;
+    int64_t first_second = k_first_second; // virtual time begins there, seconds since 1970
+    int stall_s = 10;                      // real time for which virtual time may stand still
+    std::vector<std::string> host;         // program and arguments
 };
 
 // What the command line asks for: either a run, or only a text on standard output.

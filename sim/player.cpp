@@ -9,6 +9,7 @@ namespace ux::sim {
 namespace {
 
 constexpr int k_delivery_limit_ms = 10 * 1000;
+constexpr std::chrono::milliseconds k_tick{5}; // finer than a main loop's pass
 
 std::string in_ms(int ms) {
     return std::to_string(ms) + " ms";
@@ -17,7 +18,7 @@ std::string in_ms(int ms) {
 } // namespace
 
 player::player(const script &steps, const stage &where, steady::time_point now)
-    : m_script(steps), m_stage(where), m_since(now) {}
+    : m_script(steps), m_stage(where), m_begun(now), m_since(now) {}
 
 void player::step(const std::optional<host_end> &ended, steady::time_point now) {
     while (!finished()) {
@@ -32,7 +33,27 @@ void player::step(const std::optional<host_end> &ended, steady::time_point now) 
     }
 }
 
+steady::time_point player::next_look(steady::time_point now) const {
+    const script_step &step = m_script.steps[m_at];
+    if (!m_stage.input.idle()) {
+        return now + k_tick;
+    }
+    switch (step.what) {
+    case verb::wait_time:
+        return m_since + std::chrono::milliseconds(step.ms);
+    case verb::wait_until:
+        return m_begun + std::chrono::milliseconds(step.ms);
+    case verb::wait_exit:
+        return m_since + std::chrono::milliseconds(step.limit_ms);
+    default:
+        return now + k_tick;
+    }
+}
+
 std::string player::where() const {
+    if (finished()) {
+        return "the end of the script";
+    }
     const script_step &step = m_script.steps[m_at];
     return "line " + std::to_string(step.line) + " (" + step.text + ")";
 }
@@ -46,6 +67,8 @@ bool player::try_step(const script_step &step, const std::optional<host_end> &en
         return try_send(touch_message(step.x, step.y), ended, now);
     case verb::wait_time:
         return waited(step.ms, now);
+    case verb::wait_until:
+        return now - m_begun >= std::chrono::milliseconds(step.ms);
     case verb::wait_still:
         return try_wait_still(step, now);
     case verb::wait_exit:
@@ -64,6 +87,7 @@ bool player::try_send(const input_message &message, const std::optional<host_end
                       steady::time_point now) {
     if (!m_posted) {
         m_posted = m_stage.input.post(message);
+        m_stage.input.step(now); // at this very moment if nothing is on its way
         return false;
     }
     if (waited(k_delivery_limit_ms, now)) {

@@ -32,6 +32,12 @@ class player {
     // Every step is done; the host is to be stopped.
     bool finished() const { return m_at == m_script.steps.size(); }
 
+    // Before this moment another step() changes nothing, unless the host ends.
+    steady::time_point next_look(steady::time_point now) const;
+
+    // The step in progress depends on what the screen watch sees.
+    bool watches() const { return !finished() && m_script.steps[m_at].what == verb::wait_still; }
+
     // "line 3 (wait still 300)", of the step in progress.
     std::string where() const;
 
@@ -51,6 +57,7 @@ class player {
     const script &m_script;
     stage m_stage;
     size_t m_at = 0;
+    steady::time_point m_begun; // the run
     steady::time_point m_since; // the step in progress began
     bool m_posted = false;      // its message was handed to the delivery
     bool m_host_left = false;   // the host's end was waited for and came

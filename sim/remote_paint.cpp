@@ -26,19 +26,6 @@ constexpr colour k_delete_ink = {0xff, 0xa3, 0x98};
 constexpr double k_pill_radius = 15;
 constexpr double k_body_radius = 38;
 
-// Text with its middle at `centre`.
-void write(canvas &on, point centre, std::string_view text, double height, double thickness,
-           colour ink) {
-    lettering letters = strokes_for(text, height);
-    for (line_segment &line : letters.strokes) {
-        for (point *end : {&line.from, &line.to}) {
-            end->x += centre.x - letters.width / 2;
-            end->y += centre.y - height / 2;
-        }
-    }
-    on.draw_lines(letters.strokes, thickness, ink);
-}
-
 void paint_body(canvas &on) {
     constexpr rect k_all = {0, 0, k_remote_width, k_remote_height};
     constexpr rect k_inside = {1.2, 1.2, k_remote_width - 2.4, k_remote_height - 2.4};
@@ -73,7 +60,7 @@ void paint_wheel(canvas &on, int pressed) {
     }
     on.fill_disc(k_wheel_centre, k_wheel_inner_radius, k_well);
     on.fill_disc(k_wheel_centre, k_ok_radius, pressed == k_key_ok ? k_accent_pressed : k_accent);
-    write(on, k_wheel_centre, "OK", 17, 2.6, k_ink);
+    write_centred(on, k_wheel_centre, "OK", {17, 2.6, k_ink});
 }
 
 void paint_pill(canvas &on, const remote_button &button, bool pressed) {
@@ -87,9 +74,9 @@ void paint_pill(canvas &on, const remote_button &button, bool pressed) {
     colour ink = button.key == k_key_delete ? k_delete_ink : k_ink;
     double height = digit ? 17 : button.key == k_key_delete ? 12 : 13;
     point label = button.hint.empty() ? centre : point{centre.x, centre.y - 7};
-    write(on, label, button.label, height, digit ? 2.4 : 2, ink);
+    write_centred(on, label, button.label, {height, digit ? 2.4 : 2, ink});
     if (!button.hint.empty()) {
-        write(on, {centre.x, centre.y + 13.5}, button.hint, 8, 1.3, k_hint_ink);
+        write_centred(on, {centre.x, centre.y + 13.5}, button.hint, {8, 1.3, k_hint_ink});
     }
 }
 

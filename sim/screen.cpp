@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Shared memory by memfd, pixels to RGB, and the comparison of rows.
+// Pixels to RGB, and the comparison of rows.
 #include "sim/screen.h"
-
-#include "sim/failure.h"
 
 #include <cstring>
 
-#include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 namespace ux::sim {
@@ -59,33 +55,7 @@ std::vector<uint8_t> picture_as_rgb(const screen_shape &shape, std::span<const s
 }
 
 shared_screen::shared_screen(const screen_shape &shape)
-    : m_shape(shape), m_mapped_bytes(memory_bytes(shape)) {
-    m_fd = memfd_create("ux-sim-screen", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-    if (m_fd == -1) {
-        throw failure(system_reason("cannot make the screen's memory"));
-    }
-    // Sealed in size: a host that truncates its screen must not take the viewer with it.
-    void *memory = MAP_FAILED;
-    if (ftruncate(m_fd, static_cast<off_t>(m_mapped_bytes)) == 0 &&
-        fcntl(m_fd, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0) {
-        memory = mmap(nullptr, m_mapped_bytes, PROT_READ, MAP_SHARED, m_fd, 0);
-    }
-    if (memory == MAP_FAILED) {
-        std::string reason = system_reason("cannot map the screen's memory");
-        close(m_fd);
-        throw failure(reason);
-    }
-    m_pixels = static_cast<std::byte *>(memory);
-}
-
-shared_screen::~shared_screen() {
-    munmap(m_pixels, m_mapped_bytes);
-    close(m_fd);
-}
-
-std::string shared_screen::path() const {
-    return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(m_fd);
-}
+    : m_shape(shape), m_memory("the screen's memory", memory_bytes(shape)) {}
 
 screen_watch::screen_watch(const shared_screen &screen, steady::time_point now)
     : m_screen(screen), m_seen(screen.pixels().begin(), screen.pixels().end()), m_last_change(now) {

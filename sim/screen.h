@@ -2,6 +2,8 @@
 // The simulated screen: memory shared with the host, its shape, and a watch that notices painting.
 #pragma once
 
+#include "sim/shared_memory.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -31,25 +33,22 @@ struct screen_shape {
 // widened by repeating the top bits: 5 bits v -> v << 3 | v >> 2, 6 bits v -> v << 2 | v >> 4.
 std::vector<uint8_t> picture_as_rgb(const screen_shape &shape, std::span<const std::byte> pixels);
 
-// The memory itself. It has no name in any file system: it goes when its last user goes.
+// The memory itself.
 class shared_screen {
   public:
     explicit shared_screen(const screen_shape &shape); // throws failure
-    shared_screen(const shared_screen &) = delete;
-    shared_screen &operator=(const shared_screen &) = delete;
-    ~shared_screen();
 
     const screen_shape &shape() const { return m_shape; }
-    std::span<const std::byte> pixels() const { return {m_pixels, m_shape.bytes()}; }
+    std::span<const std::byte> pixels() const {
+        return {static_cast<const std::byte *>(m_memory.data()), m_shape.bytes()};
+    }
 
     // Under which the host can open the memory as long as this process lives.
-    std::string path() const;
+    std::string path() const { return m_memory.path(); }
 
   private:
     screen_shape m_shape;
-    int m_fd = -1;
-    size_t m_mapped_bytes = 0;
-    std::byte *m_pixels = nullptr;
+    shared_memory m_memory;
 };
 
 struct row_range {

@@ -202,7 +202,7 @@ class parser {
 
     void read_wait(const words &parts, script_step &step) const {
         constexpr const char *k_usage =
-            "wait MS', 'wait still MS [within MS]' or 'wait exit [within MS]";
+            "wait MS', 'wait until MS', 'wait still MS [within MS]' or 'wait exit [within MS]";
         std::string_view what = parts.size() > 1 ? parts[1] : "";
         if (what == "still") {
             step.what = verb::wait_still;
@@ -214,6 +214,10 @@ class parser {
             if (step.limit_ms <= step.ms) {
                 refuse("the limit must be longer than the wait");
             }
+        } else if (what == "until") {
+            want_words(parts, 3, "wait until MS");
+            step.what = verb::wait_until;
+            step.ms = read_number(parts[2], "time in ms", 0, std::numeric_limits<int>::max());
         } else if (what == "exit") {
             step.what = verb::wait_exit;
             read_limit(parts, 2, step);

@@ -8,7 +8,7 @@
 
 namespace ux::sim {
 
-enum class verb { key, touch, wait_time, wait_still, wait_exit, shot, quit };
+enum class verb { key, touch, wait_time, wait_until, wait_still, wait_exit, shot, quit };
 
 struct script_step {
     verb what;
@@ -17,8 +17,9 @@ struct script_step {
     int key = 0;      // key: code
     int x = 0;        // touch: screen pixels; may lie outside the screen
     int y = 0;
-    int ms = 0;            // wait_time: how long; wait_still: how long without a change
-    int limit_ms = 0;      // wait_still, wait_exit: failed after this long
+    int ms = 0;       // wait_time: how long; wait_until: since the run began; wait_still: how long
+                      // without a change
+    int limit_ms = 0; // wait_still, wait_exit: failed after this long
     std::string file = {}; // shot: file name without folder
 };
 

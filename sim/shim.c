@@ -2,46 +2,18 @@
  * The preload library of the simulator: stands in for the calls through which a host reaches its
  * screen, its event pipe, its input queue and its device folders. Everything else, and every path
  * that is not one of those, goes on to the C library unchanged. Never writes to a stream. */
+#include "sim/shim_next.h"
 #include "sim/shim_paths.h"
 #include "sim/shim_screen.h"
+#include "sim/shim_waits.h"
 
-#include <dlfcn.h>
-#include <errno.h>
 #include <fcntl.h>
 #include <stdarg.h>
-#include <stdatomic.h>
 #include <stdio.h>
-#include <string.h>
 #include <sys/ioctl.h>
 #include <sys/ipc.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#define EXPORT __attribute__((visibility("default")))
-
-typedef void (*any_function)(void);
-typedef _Atomic(any_function) function_slot;
-
-/* Looked up at the first call, never at load time: no order of constructors matters. Two threads
- * that look at once store the same value. */
-static any_function next_function(function_slot *slot, const char *name) {
-    any_function found = atomic_load_explicit(slot, memory_order_acquire);
-    if (found == NULL) {
-        void *symbol = dlsym(RTLD_NEXT, name);
-        memcpy(&found, &symbol, sizeof found);
-        atomic_store_explicit(slot, found, memory_order_release);
-    }
-    return found;
-}
-
-/* Declares `next`, the C library's `name`; gives up with `failure` where there is none. */
-#define FIND_NEXT(name, failure)                                                                   \
-    static function_slot slot;                                                                     \
-    __typeof__(&name) next = (__typeof__(&name))next_function(&slot, #name);                       \
-    if (next == NULL) {                                                                            \
-        errno = ENOSYS;                                                                            \
-        return failure;                                                                            \
-    }
 
 /* A call with a parameter called `path` that may be one of the run's own. */
 #define PATH_CALL(name, parameters, arguments)                                                     \
@@ -71,7 +43,10 @@ static mode_t creation_mode(int flags, va_list rest) {
         mode_t mode = creation_mode(flags, rest);                                                  \
         va_end(rest);                                                                              \
         char room[PATH_MAX];                                                                       \
-        return next(shim_open_path(path, room), open_flags(path, flags), mode);                    \
+        flags = open_flags(path, flags);                                                           \
+        path = shim_open_path(path, room);                                                         \
+        int pipe = shim_open_pipe(path, flags);                                                    \
+        return pipe != SHIM_NO_PIPE ? pipe : next(path, flags, mode);                              \
     }
 
 #define OPENAT_CALL(name)                                                                          \
@@ -102,7 +77,8 @@ int __openat64_2(int folder, const char *path, int flags);
         char room[PATH_MAX];                                                                       \
         flags = open_flags(path, flags);                                                           \
         path = shim_open_path(path, room);                                                         \
-        return next arguments;                                                                     \
+        int pipe = shim_open_pipe(path, flags);                                                    \
+        return pipe != SHIM_NO_PIPE ? pipe : next arguments;                                       \
     }
 
 OPEN_2_CALL(__open_2, (const char *path, int flags), (path, flags))
@@ -110,11 +86,19 @@ OPEN_2_CALL(__open64_2, (const char *path, int flags), (path, flags))
 OPEN_2_CALL(__openat_2, (int folder, const char *path, int flags), (folder, path, flags))
 OPEN_2_CALL(__openat64_2, (int folder, const char *path, int flags), (folder, path, flags))
 
+/* Enough of fopen's flags to tell reader from writer. */
+static int stream_flags(const char *mode) {
+    const char *plus = strchr(mode, '+');
+    return plus != NULL ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
+}
+
 #define FOPEN_CALL(name)                                                                           \
     EXPORT FILE *name(const char *path, const char *mode) {                                        \
         FIND_NEXT(name, NULL)                                                                      \
         char room[PATH_MAX];                                                                       \
-        return next(shim_open_path(path, room), mode);                                             \
+        path = shim_open_path(path, room);                                                         \
+        int pipe = shim_open_pipe(path, stream_flags(mode));                                       \
+        return pipe == SHIM_NO_PIPE ? next(path, mode) : pipe == -1 ? NULL : fdopen(pipe, mode);   \
     }
 
 #define FREOPEN_CALL(name)                                                                         \

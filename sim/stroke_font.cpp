@@ -147,4 +147,20 @@ lettering strokes_for(std::string_view text, double height) {
     return result;
 }
 
+void write_from(canvas &on, point left, std::string_view text, const pen &with) {
+    lettering letters = strokes_for(text, with.height);
+    for (line_segment &line : letters.strokes) {
+        for (point *end : {&line.from, &line.to}) {
+            end->x += left.x;
+            end->y += left.y - with.height / 2;
+        }
+    }
+    on.draw_lines(letters.strokes, with.thickness, with.ink);
+}
+
+void write_centred(canvas &on, point centre, std::string_view text, const pen &with) {
+    const double width = strokes_for(text, with.height).width;
+    write_from(on, {centre.x - width / 2, centre.y}, text, with);
+}
+
 } // namespace ux::sim

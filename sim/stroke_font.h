@@ -18,4 +18,16 @@ struct lettering {
 // '^' is an upward arrow.
 lettering strokes_for(std::string_view text, double height);
 
+struct pen {
+    double height;    // of capitals
+    double thickness; // of strokes
+    colour ink;
+};
+
+// Text with its middle at `centre`.
+void write_centred(canvas &on, point centre, std::string_view text, const pen &with);
+
+// Text that begins at `left`, half of its height above it.
+void write_from(canvas &on, point left, std::string_view text, const pen &with);
+
 } // namespace ux::sim

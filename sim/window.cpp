@@ -4,6 +4,7 @@
 
 #include "sim/failure.h"
 #include "sim/input_queue.h"
+#include "sim/key_map.h"
 #include "sim/keys.h"
 #include "sim/remote_layout.h"
 #include "sim/remote_paint.h"
@@ -169,7 +170,10 @@ class window : public viewer {
             release();
             return;
         case SDL_KEYDOWN:
-            if (auto key = key_of(event.key.keysym.sym)) {
+            if (event.key.keysym.sym == SDLK_F1 && event.key.repeat == 0) {
+                m_map_shown = !m_map_shown;
+                m_stale = true;
+            } else if (auto key = key_of(event.key.keysym.sym)) {
                 press(*key);
                 post(key_message(*key));
             }
@@ -227,8 +231,18 @@ class window : public viewer {
         SDL_SetTextureScaleMode(m_picture.get(),
                                 sharp ? SDL_ScaleModeNearest : SDL_ScaleModeLinear);
         m_remote = make_texture(SDL_PIXELFORMAT_ARGB8888, remote_width(), remote_height());
+        make_key_map();
         upload({0, m_shape.height});
         upload_remote();
+    }
+
+    void make_key_map() {
+        m_map_place = place_key_map(m_size, m_layout.remote_scale);
+        canvas panel(m_map_place.width, m_map_place.height, m_map_place.scale, k_backdrop);
+        paint_key_map(panel);
+        m_map = make_texture(SDL_PIXELFORMAT_ARGB8888, panel.width(), panel.height());
+        SDL_UpdateTexture(m_map.get(), nullptr, panel.pixels().data(),
+                          panel.width() * static_cast<int>(sizeof(uint32_t)));
     }
 
     sdl_owner<SDL_Texture> make_texture(Uint32 format, int width, int height) {
@@ -278,6 +292,11 @@ class window : public viewer {
         SDL_RenderFillRectF(m_renderer.get(), &frame);
         SDL_RenderCopyF(m_renderer.get(), m_picture.get(), nullptr, &screen);
         SDL_RenderCopyF(m_renderer.get(), m_remote.get(), nullptr, &remote);
+        if (m_map_shown) {
+            const SDL_Rect place = {m_map_place.x, m_map_place.y, m_map_place.width,
+                                    m_map_place.height};
+            SDL_RenderCopy(m_renderer.get(), m_map.get(), nullptr, &place);
+        }
         SDL_RenderPresent(m_renderer.get());
         m_stale = false;
     }
@@ -291,6 +310,9 @@ class window : public viewer {
     sdl_owner<SDL_Renderer> m_renderer;
     sdl_owner<SDL_Texture> m_picture;
     sdl_owner<SDL_Texture> m_remote;
+    sdl_owner<SDL_Texture> m_map; // of the keyboard
+    key_map_place m_map_place;
+    bool m_map_shown = false;
     int m_pressed = k_no_key;
     steady::time_point m_pressed_at;
     std::optional<steady::time_point> m_release_at;

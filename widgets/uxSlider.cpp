@@ -7,7 +7,6 @@
 #include "widgets/widget_kit.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace ux {
 namespace {
@@ -93,14 +92,6 @@ void paint_box(const rect &box, uint32_t color) {
               coordinate(int64_t{box.y} + box.height - 1), color);
 }
 
-void paint_number(int number, const color_pair &colors, const rect &box, int size) {
-    char digits[sizeof "-2147483648"] = {};
-    char16_t text[sizeof digits];
-    snprintf(digits, sizeof digits, "%d", number);
-    std::copy_n(digits, sizeof digits, text);
-    paint_text(text, colors.fg, colors.bg, box, size);
-}
-
 void paint_texts(const ux_slider_bar *slider, const slider_parts &parts, const color_pair &colors) {
     const int size = font_size(slider->font_size);
     paint_text(u"<", colors.fg, colors.bg, parts.less, size);
@@ -109,7 +100,7 @@ void paint_texts(const ux_slider_bar *slider, const slider_parts &parts, const c
         return;
     // One over the other, in this order: hosts see the position on top.
     for (int number : {slider->minimum, slider->maximum, slider->position})
-        paint_number(number, colors, parts.numbers, size);
+        paint_number(number, colors.fg, colors.bg, parts.numbers, size);
 }
 
 // The key's work after its guard: `wanted` is the new position.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -52,6 +53,14 @@ void paint_text(const char16_t *text, uint32_t fg, uint32_t bg, const rect &box,
     constexpr int k_draw_once = 1;
     uxFontDrawing(text, fg, bg, box.x, box.y, box.width, box.height, size, size, k_no_step,
                   k_draw_once);
+}
+
+void paint_number(int number, uint32_t fg, uint32_t bg, const rect &box, int size) {
+    char digits[sizeof "-2147483648"] = {};
+    char16_t text[sizeof digits];
+    snprintf(digits, sizeof digits, "%d", number);
+    std::copy_n(digits, sizeof digits, text);
+    paint_text(text, fg, bg, box, size);
 }
 
 void paint_background(const ux_obj *obj, uint32_t bg) {

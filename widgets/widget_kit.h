@@ -43,6 +43,9 @@ int font_size(int font_size);
 // Draws a record's text once inside `box`; `bg` is the transparent key.
 void paint_text(const char16_t *text, uint32_t fg, uint32_t bg, const rect &box, int size);
 
+// The same with a number's decimal digits.
+void paint_number(int number, uint32_t fg, uint32_t bg, const rect &box, int size);
+
 // Fills the widget with `bg`, or paints the saved background when `bg` is 0.
 void paint_background(const ux_obj *obj, uint32_t bg);
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Draws the pictures of 03-pictures anew and compares them, byte for byte, with those that ship.
+# Draws the pictures of an example anew and compares them, byte for byte, with those that ship.
 
 file(REMOVE_RECURSE ${DRAWN})
 execute_process(COMMAND ${TOOL} ${DRAWN} COMMAND_ERROR_IS_FATAL ANY)

@@ -45,6 +45,10 @@ def served(folder):
 def run(arguments, address):
     command = [arguments.simulator, "--headless", "--script", arguments.script,
                "--shots", arguments.shots, "--timeout", str(RUN_SECONDS)]
+    if arguments.virtual_time:
+        command.append("--virtual-time")
+    if arguments.size:
+        command += ["--size", arguments.size]
     if arguments.root:
         command += ["--root", arguments.root]
     command += ["--", arguments.host]
@@ -84,6 +88,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     for name in ("simulator", "host", "script", "golden", "shots", "compare"):
         parser.add_argument(f"--{name}", type=Path, required=True)
+    parser.add_argument("--virtual-time", action="store_true", help="without waiting")
+    parser.add_argument("--size", help="of the screen, WxH")
     parser.add_argument("--root", type=Path, help="the device's files")
     parser.add_argument("--serve", type=Path, help="a folder for {server}")
     parser.add_argument("arguments", nargs="*", help="of the host")

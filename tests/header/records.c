@@ -30,6 +30,10 @@ typedef ux_text_button **button_array;
 typedef uint32_t *word_array;
 typedef int (*slider_handler)(ux_slider_bar *, int);
 typedef int (*list_handler)(ux_button_list *, int);
+typedef char16_t *unit_text;
+typedef int (*clock_sync)(ux_clock *, intptr_t, intptr_t, intptr_t);
+typedef int (*clock_tick)(ux_clock *, int, int, int);
+typedef ux_clock_state *clock_state;
 
 #define EVENT_FIELDS(F)                                                                            \
     F(ux_event, int32_t, type)                                                                     \
@@ -221,6 +225,47 @@ typedef int (*list_handler)(ux_button_list *, int);
     F(ux_button_list, list_handler, up_handler)                                                    \
     F(ux_button_list, list_handler, down_handler)
 
+#define MEMO_FIELDS(F)                                                                             \
+    F(ux_memo, ux_obj, obj)                                                                        \
+    F(ux_memo, unit_text, text)                                                                    \
+    F(ux_memo, uint32_t, fg_color)                                                                 \
+    F(ux_memo, uint32_t, bg_color)                                                                 \
+    F(ux_memo, int32_t, font_size)
+
+#define CLOCK_STATE_FIELDS(F)                                                                      \
+    F(ux_clock_state, pointer, face)                                                               \
+    F(ux_clock_state, pointer, second_image)                                                       \
+    F(ux_clock_state, pointer, third_image)                                                        \
+    F(ux_clock_state, time_t, last_advance)                                                        \
+    F(ux_clock_state, clock_sync, sync_handler)                                                    \
+    F(ux_clock_state, clock_tick, tick_handler)                                                    \
+    F(ux_clock_state, int32_t, sync_countdown)                                                     \
+    F(ux_clock_state, int32_t, timeout_id)
+
+#define CLOCK_FIELDS(F)                                                                            \
+    F(ux_clock, ux_obj, obj)                                                                       \
+    F(ux_clock, int32_t, radius)                                                                   \
+    F(ux_clock, int32_t, center_x)                                                                 \
+    F(ux_clock, int32_t, center_y)                                                                 \
+    F(ux_clock, int32_t, hours)                                                                    \
+    F(ux_clock, int32_t, minutes)                                                                  \
+    F(ux_clock, int32_t, seconds)                                                                  \
+    F(ux_clock, int32_t, sync_period)                                                              \
+    F(ux_clock, clock_state, state)
+
+#define CALENDAR_FIELDS(F)                                                                         \
+    F(ux_calendar, ux_obj, obj)                                                                    \
+    F(ux_calendar, path_field, image_dir)                                                          \
+    F(ux_calendar, int16_t, year)                                                                  \
+    F(ux_calendar, int16_t, month)                                                                 \
+    F(ux_calendar, int16_t, day)                                                                   \
+    F(ux_calendar, int16_t, weekday)                                                               \
+    F(ux_calendar, int16_t, shown_year)                                                            \
+    F(ux_calendar, int16_t, shown_month)                                                           \
+    F(ux_calendar, int16_t, shown_day)                                                             \
+    F(ux_calendar, int16_t, shown_weekday)                                                         \
+    F(ux_calendar, int16_t, reserved)
+
 #define ALL_FIELDS(F)                                                                              \
     EVENT_FIELDS(F)                                                                                \
     OBJ_FIELDS(F)                                                                                  \
@@ -236,7 +281,11 @@ typedef int (*list_handler)(ux_button_list *, int);
     SELECT_BOX_FIELDS(F)                                                                           \
     CHECK_BOX_FIELDS(F)                                                                            \
     SLIDER_FIELDS(F)                                                                               \
-    LIST_FIELDS(F)
+    LIST_FIELDS(F)                                                                                 \
+    MEMO_FIELDS(F)                                                                                 \
+    CLOCK_STATE_FIELDS(F)                                                                          \
+    CLOCK_FIELDS(F)                                                                                \
+    CALENDAR_FIELDS(F)
 
 /* The compiler refuses the initialisation when a field has another type than the table says. */
 #define HAS_TYPE(record, type, field)                                                              \
@@ -282,6 +331,11 @@ static_assert(AT_64(ux_check_box, checked, 452), "text and one word behind the h
 static_assert(AT_64(ux_slider_bar, change_handler, 240), "twelve words behind the header");
 static_assert(AT_64(ux_button_list, gap, 472), "behind the container");
 static_assert(AT_64(ux_button_list, down_handler, 528), "2 words, 2 pointers, 1 word, 3 pointers");
+static_assert(AT_64(ux_memo, fg_color, 200), "a pointer behind the header");
+static_assert(AT_64(ux_clock_state, timeout_id, 52), "6 words of 64 bits, 1 of 32");
+static_assert(AT_64(ux_clock, state, 224), "7 words behind the header, and a gap");
+static_assert(AT_64(ux_calendar, year, 448), "header and path");
+static_assert(AT_64(ux_calendar, reserved, 464), "8 half-words further");
 static_assert(offsetof(ux_container, obj) == 0, "base first");
 static_assert(offsetof(ux_page, container) == 0, "base first");
 static_assert(offsetof(ux_text_label, obj) == 0, "base first");
@@ -291,6 +345,9 @@ static_assert(offsetof(ux_select_box, obj) == 0, "base first");
 static_assert(offsetof(ux_check_box, obj) == 0, "base first");
 static_assert(offsetof(ux_slider_bar, obj) == 0, "base first");
 static_assert(offsetof(ux_button_list, container) == 0, "base first");
+static_assert(offsetof(ux_memo, obj) == 0, "base first");
+static_assert(offsetof(ux_clock, obj) == 0, "base first");
+static_assert(offsetof(ux_calendar, obj) == 0, "base first");
 
 static size_t round_up(size_t value, size_t alignment) {
     return (value + alignment - 1) / alignment * alignment;

@@ -60,22 +60,53 @@ TEST(sim_options, defaults_are_1280x720_argb8888_and_no_script) {
 }
 
 TEST(sim_options, reads_every_option) {
-    options run = parse({"--size", "640x480", "--format=rgb565", "--headless", "--script", "-",
-                         "--shots", "out", "--root", "tree", "--queue-path", "q", "--timeout", "5",
-                         "--verbose", "--", "--odd-host"})
-                      .run.value();
+    options run =
+        parse({"--size",    "640x480", "--format=rgb565", "--headless", "--script",  "-",
+               "--shots",   "out",     "--record",        "rec",        "--expect",  "ref",
+               "--root",    "tree",    "--queue-path",    "q",          "--timeout", "5",
+               "--verbose", "--",      "--odd-host"})
+            .run.value();
     EXPECT_EQ(run.shape.width, 640);
     EXPECT_EQ(run.shape.height, 480);
     EXPECT_EQ(run.shape.format, pixel_format::rgb565);
     EXPECT_EQ(run.display, display_choice::headless);
     EXPECT_EQ(run.script, "-");
     EXPECT_EQ(run.shots, "out");
+    EXPECT_EQ(run.record, "rec");
+    EXPECT_EQ(run.expect, "ref");
     EXPECT_EQ(run.root, "tree");
     EXPECT_EQ(run.queue_path, "q");
     EXPECT_EQ(run.timeout_s, 5);
     EXPECT_TRUE(run.verbose);
     EXPECT_EQ(run.host, std::vector<std::string>{"--odd-host"});
     EXPECT_EQ(parse({"--window", "h"}).run.value().display, display_choice::window);
+}
+
+TEST(sim_options, virtual_time_begins_in_2025_unless_told) {
+    options run = parse({"--virtual-time", "h"}).run.value();
+    EXPECT_TRUE(run.virtual_time);
+    EXPECT_EQ(run.first_second, 1735689600); // 20089 days
+    EXPECT_EQ(run.stall_s, 10);
+    EXPECT_FALSE(parse({"h"}).run.value().virtual_time);
+    EXPECT_EQ(parse({"--date", "2025-01-02", "h"}).run->first_second, 1735689600 + 86400);
+    EXPECT_EQ(parse({"--date", "2025-01-01T01:02", "h"}).run->first_second, 1735689600 + 3720);
+    EXPECT_EQ(parse({"--date", "1980-01-01T00:00:59", "h"}).run->first_second, 315532859);
+    EXPECT_EQ(parse({"--stall", "60", "h"}).run->stall_s, 60);
+}
+
+TEST(sim_options, refuses_dates_that_do_not_exist) {
+    for (const char *date : {"", "2025", "2025-02-29", "2025-13-01", "2025-01-01T24:01", "tomorrow",
+                             "2025-01-01 10:00", "1979-12-31", "2100-01-01", "2025-01-01T1:2:3Z"}) {
+        EXPECT_EQ(complaint(parse, {"--date", date, "h"}),
+                  std::string("--date wants YYYY-MM-DD[THH:MM[:SS]], 1980 to 2099, not '") + date +
+                      "'; see ux-sim --help");
+    }
+}
+
+TEST(sim_options, a_window_in_virtual_time_wants_a_script) {
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--window", "h"}),
+              "--virtual-time with a window wants a script; see ux-sim --help");
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--window", "--script", "s", "h"}), "");
 }
 
 TEST(sim_options, help_and_version_are_texts_and_no_run) {

@@ -48,6 +48,12 @@ TEST(script, reads_every_verb) {
     EXPECT_EQ(steps[7].what, verb::quit);
 }
 
+TEST(script, wait_until_tells_the_time_since_the_run_began) {
+    auto step = parse_script("wait until 86400000\n", "demo").steps.at(0);
+    EXPECT_EQ(step.what, verb::wait_until);
+    EXPECT_EQ(step.ms, 86400000);
+}
+
 // "k3 w50 k3 w1200": keys and waits of a script that types.
 std::string typed(std::string_view text) {
     std::string result;
@@ -131,8 +137,11 @@ TEST(script, complains_about_touches) {
 }
 
 TEST(script, complains_about_waits) {
-    EXPECT_EQ(complaint("wait"), "demo:1: expected 'wait MS', 'wait still MS [within MS]' or "
-                                 "'wait exit [within MS]'");
+    EXPECT_EQ(complaint("wait"), "demo:1: expected 'wait MS', 'wait until MS', 'wait still MS "
+                                 "[within MS]' or 'wait exit [within MS]'");
+    EXPECT_EQ(complaint("wait until"), "demo:1: expected 'wait until MS'");
+    EXPECT_EQ(complaint("wait until 2147483648"),
+              "demo:1: '2147483648' is no time in ms (0 to 2147483647)");
     EXPECT_EQ(complaint("wait -1"), "demo:1: '-1' is no time in ms (0 to 3600000)");
     EXPECT_EQ(complaint("wait soon"), "demo:1: 'soon' is no time in ms (0 to 3600000)");
     EXPECT_EQ(complaint("wait still"), "demo:1: expected 'wait still MS [within MS]'");

@@ -1,24 +1,14 @@
 /* SPDX-License-Identifier: MIT
  * Runs inside the simulator and looks at it through ordinary calls. `shim-probe NAME` carries out
  * one check; a check that does not hold is told on standard error and ends with status 1. */
-#include <errno.h>
+#include "tests/sim/probe.h"
+
 #include <fcntl.h>
 #include <linux/fb.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
 #include <sys/ioctl.h>
 #include <sys/ipc.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#define CHECK(condition)                                                                           \
-    do {                                                                                           \
-        if (!(condition)) {                                                                        \
-            fprintf(stderr, "%s:%d: %s (errno %d)\n", __func__, __LINE__, #condition, errno);      \
-            exit(1);                                                                               \
-        }                                                                                          \
-    } while (0)
 
 static const char k_screen[] = "/dev/fb0";
 static const char k_pipe[] = "/tmp/event";
@@ -194,10 +184,7 @@ static void other_calls_pass(void) {
     CHECK(fopen("/nowhere/x", "r") == NULL && errno == ENOENT);
 }
 
-static const struct {
-    const char *name;
-    void (*check)(void);
-} k_checks[] = {
+static const struct probe_check k_checks[] = {
     {"information_32", information_32},
     {"information_16", information_16},
     {"every_way_to_open", every_way_to_open},
@@ -211,12 +198,5 @@ static const struct {
 };
 
 int main(int argc, char **argv) {
-    for (size_t at = 0; at < sizeof k_checks / sizeof *k_checks; ++at) {
-        if (argc == 2 && strcmp(argv[1], k_checks[at].name) == 0) {
-            k_checks[at].check();
-            return 0;
-        }
-    }
-    fprintf(stderr, "no such check\n");
-    return 2;
+    return run_probe(k_checks, sizeof k_checks / sizeof *k_checks, argc, argv);
 }

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <memory>
+#include <regex>
 
 #include <csignal>
 #include <fcntl.h>
@@ -182,6 +183,49 @@ TEST_F(window_test, the_keyboard_stands_in_for_the_remote) {
         xdotool({"key", name});
         EXPECT_TRUE(shows(24 + 4 * n++, 24, 0x0000ff | code << 8)) << name;
     }
+}
+
+// The map lies in the middle of the window, (700, 300) in it.
+TEST_F(window_test, f1_shows_and_hides_the_keyboard_map) {
+    start({FB_HOST});
+    move(700, 600);
+    ASSERT_TRUE(shows(24, 24, 0x203040));
+    xdotool({"key", "F1"});
+    EXPECT_TRUE(eventually([&] { return window_pixel(700, 300) != 0x203040u; }));
+    xdotool({"key", "Return"}); // keys go on to the host
+    EXPECT_TRUE(shows(24, 24, 0x0017ff));
+    EXPECT_NE(window_pixel(700, 300), 0x203040u);
+    xdotool({"key", "F1"});
+    EXPECT_TRUE(shows(700, 300, 0x203040));
+    EXPECT_TRUE(shows(28, 24, 0x203040)); // F1 itself was no key for the host
+}
+
+TEST_F(window_test, a_session_in_the_window_plays_again_headless) {
+    const std::string file = m_folder / "session.uxs";
+    start({FB_HOST, "--exit-on", "32"}, "--record=" + file);
+    move(700, 400);
+    xdotool({"key", "Left"});
+    EXPECT_TRUE(shows(24, 24, 0x0015ff));
+    click(24 + 600, 24 + 300);
+    EXPECT_TRUE(shows(24 + 600, 24 + 300, 0xffffff));
+    click(1448, 160); // up
+    EXPECT_TRUE(shows(28, 24, 0x0013ff));
+    xdotool({"key", "BackSpace"});
+    EXPECT_EQ(m_sim->wait(), 0);
+    EXPECT_TRUE(std::regex_match(
+        read_file(file),
+        std::regex("# [^\n]*\nwait until \\d+\nkey left\nwait until \\d+\ntouch 600 300\n"
+                   "wait until \\d+\nkey up\nwait until \\d+\nkey delete\nwait exit\n")))
+        << read_file(file);
+
+    write_file(file, read_file(file) + "shot end.png\n");
+    program again({UX_SIM, "--headless", "--virtual-time", "--shots", m_folder.path(), "--script",
+                   file, "--", FB_HOST, "--exit-on", "32"});
+    EXPECT_EQ(again.wait(), 0) << again.err();
+    const rgb_picture end = read_png(m_folder / "end.png");
+    EXPECT_EQ(end.at(0, 0), 0x0015ffu);
+    EXPECT_EQ(end.at(4, 0), 0x0013ffu);
+    EXPECT_EQ(end.at(600, 300), 0xffffffu);
 }
 
 TEST_F(window_test, a_display_alone_is_reason_enough_for_a_window) {

@@ -64,6 +64,7 @@ struct state {
     std::vector<uint8_t> last_profile;            // bytes of the last property 4293
     std::vector<uint8_t> last_close_input;        // bytes of the last property 4294
     std::map<std::string, std::string> addresses; // files that stand for http:// addresses
+    std::map<std::string, std::string> files;     // files that stand for others' paths
     int open_files = 0;                           // files and addresses not closed yet
     bool wrap_fails = false;                      // RMOpenFileCookie refuses
     int close_file_result = EM862X_SUCCESS;       // RMCloseFile

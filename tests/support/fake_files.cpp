@@ -50,7 +50,8 @@ fake_files::short_reads::~short_reads() {
 rm_file *RMOpenFile(const rm_non_ascii *path, int mode) {
     const auto *name = reinterpret_cast<const std::string *>(path);
     get().calls.push_back("RMOpenFile " + *name + " " + std::to_string(mode));
-    return opened(fopen(name->c_str(), "rb"));
+    const auto found = get().files.find(*name);
+    return opened(fopen((found == get().files.end() ? *name : found->second).c_str(), "rb"));
 }
 
 int RMReadFile(rm_file *file, void *data, uint32_t bytes, uint32_t *read_bytes) {

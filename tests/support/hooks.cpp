@@ -18,7 +18,7 @@ state s_state;
 std::atomic<long> s_allocations;
 std::atomic<long> s_fail_in; // allocations until the one that fails; 0 = none
 std::atomic<void *> s_last_block;
-std::atomic<long> s_blocks;  // allocated minus freed
+std::atomic<long> s_blocks; // allocated minus freed
 
 bool allocation_fails() {
     s_allocations++;
@@ -88,6 +88,7 @@ int __real_close(int);
 int __real_ioctl(int, unsigned long, void *);
 void *__real_mmap(void *, size_t, int, int, int, off_t);
 int __real_munmap(void *, size_t);
+int __real_access(const char *, int);
 int __real_unlink(const char *);
 int __real_mknod(const char *, mode_t, dev_t);
 key_t __real_ftok(const char *, int);
@@ -194,6 +195,10 @@ void *__wrap_mmap(void *address, size_t bytes, int protection, int flags, int de
 
 int __wrap_munmap(void *base, size_t bytes) {
     return get().munmap ? get().munmap(base, bytes) : __real_munmap(base, bytes);
+}
+
+int __wrap_access(const char *path, int mode) {
+    return get().access ? get().access(path, mode) : __real_access(path, mode);
 }
 
 int __wrap_unlink(const char *path) {

@@ -34,6 +34,9 @@ struct state {
     std::string pipe_path;  // stands in for "/tmp/event"; empty = the real one
     std::string queue_path; // stands in for the "/tmp" of ftok(); empty = the real one
 
+    // Whether files can be read: null = the real call.
+    std::function<int(const char *path, int mode)> access;
+
     // Devices: null = the real call.
     std::function<int(const char *path, int flags)> open;
     std::function<int(int descriptor, unsigned long request, void *argument)> ioctl;
