@@ -18,8 +18,8 @@ namespace {
 constexpr int k_box_x = 0;
 constexpr int k_box_y = 640;
 constexpr int k_box_height = 40;
-constexpr long k_frames = 2000;   // in one iteration
-constexpr long k_share_ms = 4000; // that a ticker is watched
+constexpr long k_frames = 2000;    // in one iteration
+constexpr long k_share_ms = 10000; // that a ticker is watched
 constexpr char k_line[] = "The quick brown fox jumps over the lazy dog 0123456789 and back again, "
                           "sphinx of black quartz, judge my vow\n";
 

@@ -3,7 +3,6 @@
 
 #include "font/ticker_band.h"
 
-#include "font/glyph_bits.h"
 #include "font/glyph_session.h"
 #include "font/text_layout.h"
 
@@ -68,14 +67,13 @@ void ticker_band::lay_out(const uint32_t *pairs, int count) {
     m_pairs = pairs;
     m_count = count;
     m_drawn = {};
-    const int64_t extent = walk([this](const fss_glyph &glyph, int64_t, int64_t) {
-        if (m_unknown_pixel)
-            report(glyph);
-    });
+    const int64_t extent = walk([](const fss_glyph &, int64_t, int64_t) {});
     if (m_direction == scrolling::up)
         m_height = (extent + 2) * m_box_height;
     else
         m_width = std::max<int64_t>(extent, 0) + 2 * m_box_width;
+    if (m_unknown_pixel)
+        walk([this](const fss_glyph &glyph, int64_t, int64_t) { report(glyph); });
 }
 
 int64_t ticker_band::last_position() const {
@@ -118,29 +116,30 @@ void ticker_band::draw(const band_area &area) {
         [this](const fss_glyph &glyph, int64_t row, int64_t column) { paint(glyph, row, column); });
 }
 
-// Paints the glyph whose cell begins at (row, column) of the band. Cells are one box height high.
+// Paints the glyph whose cell begins at (row, column) of the band, as much as lies in the tile. Its
+// rows of bits all begin in the same column, and go on in as many further rows.
 void ticker_band::paint(const fss_glyph &glyph, int64_t row, int64_t column) {
-    const auto [first, end] = rows_of_glyph(glyph, baseline_of(m_box_height), m_box_height);
+    const auto [first, end] = glyph_rows_in_band(glyph);
     if (first >= end || glyph.pitch <= 0)
         return;
-    const uint8_t *bits = bits_of(glyph);
-    for (int64_t r = first; r < end; r++, bits += glyph.pitch)
-        paint_row(bits, glyph.pitch, row + r, column + glyph.left);
+    const int64_t start = column + glyph.left;
+    const int64_t shift = floor_divide(start, m_width);
+    const int64_t first_column = start - shift * m_width;
+    const int64_t further = (first_column + glyph.pitch * k_byte_bits - 1) / m_width;
+    const int64_t top = row + shift;
+    const int64_t last = std::min(end, m_drawn.bottom - top);
+    for (int64_t r = std::max(first, m_drawn.top - further - top); r < last; r++)
+        paint_row(bits_of(glyph) + (r - first) * glyph.pitch, glyph.pitch, top + r, first_column);
 }
 
 // Paints a row of bits that begins at (row, column) of the band, whose rows follow one another as
-// in memory; only what lies in the tile.
+// in memory.
 void ticker_band::paint_row(const uint8_t *bits, int pitch, int64_t row, int64_t column) {
-    const int64_t first_row = row + floor_divide(column, m_width);
-    const int64_t first_column = column - (first_row - row) * m_width;
-    const int64_t last_row = first_row + (first_column + pitch * k_byte_bits - 1) / m_width;
-    if (first_row >= m_drawn.bottom || last_row < m_drawn.top)
-        return;
     const int64_t tile_width = m_drawn.right - m_drawn.left;
     for (int i = 0; i < pitch; i++)
         for_each_bit(bits[i], [&](int bit) {
-            int64_t y = first_row;
-            int64_t x = first_column + i * k_byte_bits + bit;
+            int64_t y = row;
+            int64_t x = column + i * k_byte_bits + bit;
             if (x >= m_width) {
                 y += x / m_width;
                 x %= m_width;
@@ -150,8 +149,14 @@ void ticker_band::paint_row(const uint8_t *bits, int pitch, int64_t row, int64_t
         });
 }
 
+// Of a glyph in any cell. One that is higher than its cell reaches into the cells below, as in a
+// text drawn once.
+glyph_rows ticker_band::glyph_rows_in_band(const fss_glyph &glyph) const {
+    return rows_of_glyph(glyph, baseline_of(m_box_height), m_height);
+}
+
 void ticker_band::report(const fss_glyph &glyph) const {
-    const auto [first, end] = rows_of_glyph(glyph, baseline_of(m_box_height), m_box_height);
+    const auto [first, end] = glyph_rows_in_band(glyph);
     if (first >= end || glyph.pitch <= 0)
         return;
     const uint8_t *bits = bits_of(glyph);

@@ -4,13 +4,15 @@
 // Scrolling up, the band is w wide and (rows + 2) * h high: the line wrapped at w, its first row
 // one box height from the top. Scrolling left, it is the line's advance + 2 * w wide and h high:
 // the line begins one box width from the left. Ink that leaves a band row at its end goes on in the
-// next one, as on any canvas of the software text.
+// next one, and a glyph that is higher than its wrapped row reaches into those below, as on any
+// canvas of the software text.
 //
 // A band may be far larger than the memory of a player, so only a tile of it is drawn, the window's
 // surroundings. It holds any ordinary line whole; where the window leaves it, the next is drawn.
 #ifndef UX_FONT_TICKER_BAND_H
 #define UX_FONT_TICKER_BAND_H
 
+#include "font/glyph_bits.h"
 #include "font/ticker_box.h"
 
 #include "platform/em862x.h"
@@ -61,6 +63,7 @@ class ticker_band {
     void paint(const fss_glyph &glyph, int64_t row, int64_t column);
     void paint_row(const uint8_t *bits, int pitch, int64_t row, int64_t column);
     void report(const fss_glyph &glyph) const;
+    glyph_rows glyph_rows_in_band(const fss_glyph &glyph) const;
 
     scrolling m_direction;
     int64_t m_box_width, m_box_height;

@@ -103,8 +103,8 @@ class plain_band {
     void draw(const glyph &from, int64_t cell_row, int64_t cell_column) {
         const int64_t top = int64_t{m_h} * 4 / 5 - from.top;
         size_t next = 0;
-        for (int64_t r = 0; r < m_h; r++) {
-            if (r < top || r >= top + from.rows)
+        for (int64_t r = 0; r < height && r < top + from.rows; r++) {
+            if (r < top)
                 continue;
             const uint8_t *bits = from.bits.data() + next++ * static_cast<size_t>(from.pitch);
             for (int b = 0; b < from.pitch * 8; b++) {

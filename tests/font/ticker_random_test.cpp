@@ -61,7 +61,7 @@ class plain_band {
     void draw(const fake_chip::glyph &glyph, int64_t cell_row, int64_t cell_column) {
         const int top = m_at.h * 4 / 5 - glyph.top;
         size_t next = 0;
-        for (int r = 0; r < m_at.h; r++) {
+        for (int r = 0; r < height; r++) {
             if (r < top || r >= top + static_cast<int>(glyph.rows.size()))
                 continue;
             const std::string &bits = glyph.rows[next++];

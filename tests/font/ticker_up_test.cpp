@@ -139,15 +139,39 @@ TEST_F(TickerUpTest, baseline_is_four_fifths_of_the_height_in_every_row) {
     EXPECT_EQ(frames[2], expected);
 }
 
-// A row of the band ends where the next begins: a descender does not reach into it.
-TEST_F(TickerUpTest, glyphs_are_cut_at_the_end_of_their_row) {
+// As in a text drawn once: nothing is cut off below a row but at the end of the band.
+TEST_F(TickerUpTest, descender_reaches_into_the_row_below) {
     make_screen(3, 3);
     give('a', {0, 2, 3, {"X", "X", "X", "X", "X"}});
     give('.', {0, 0, 3, {}});
     write_file("a.");
     run(k_up, 3, 3);
     EXPECT_EQ(frames[1], rows({"X..", "X..", "X.."}));
-    EXPECT_EQ(frames[2], rows({"...", "...", "..."}));
+    EXPECT_EQ(frames[2], rows({"X..", "X..", "..."}));
+}
+
+TEST_F(TickerUpTest, glyph_is_cut_at_the_end_of_the_band) {
+    make_screen(3, 3);
+    give('a', {0, 2, 3, std::vector<std::string>(7, "X")});
+    write_file("a"); // a band of 9 rows, the glyph in rows 3 to 9; travel 6: 0, 6, 0
+    run(k_up, 6, 3);
+    EXPECT_EQ(frames, (pictures{rows({"...", "...", "..."}), //
+                                rows({"X..", "X..", "X.."}), //
+                                rows({"...", "...", "..."})}));
+}
+
+// The oracle is the text drawn once: two rows of it in one box of two rows.
+TEST_F(TickerUpTest, wrapped_rows_look_as_in_a_text_drawn_once) {
+    make_screen(6, 6);
+    give('a', {0, 2, 6, {"X", ".X", "..X", "...X", "....X", "X"}});
+    give('b', {1, 1, 6, {"X.X"}});
+    uxFontDrawing(u"ab", k_ink, k_key, 0, 0, 6, 6, 3, 3, 0, 1);
+    const std::string once = ink();
+    memset(main_screen.fb, 0, sizeof(uint32_t) * 6 * 6);
+    write_file("ab");
+    run_at(0, 0, 6, 3, k_up, 3, 3);
+    const size_t box = rows({"......", "......", "......"}).size();
+    EXPECT_EQ(frames[1].substr(0, box) + frames[2].substr(0, box), once);
 }
 
 TEST_F(TickerUpTest, ink_beyond_the_end_of_a_row_goes_on_in_the_next) {
