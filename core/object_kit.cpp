@@ -115,14 +115,18 @@ void paint_border(const ux_obj *obj, const rect &place) {
 }
 
 void paint_border(const ux_obj *obj) {
-    paint_border(obj, {obj->x, obj->y, obj->width, obj->height});
+    paint_border(obj, rect_of(obj));
+}
+
+void paint_fill(const rect &place, uint32_t color) {
+    if (place.width <= 0 || place.height <= 0)
+        return;
+    uxDrawBox(place.x, place.y, coordinate(int64_t{place.x} + place.width - 1),
+              coordinate(int64_t{place.y} + place.height - 1), color);
 }
 
 void paint_fill(const ux_obj *obj, uint32_t color) {
-    if (obj->width <= 0 || obj->height <= 0)
-        return;
-    uxDrawBox(obj->x, obj->y, coordinate(int64_t{obj->x} + obj->width - 1),
-              coordinate(int64_t{obj->y} + obj->height - 1), color);
+    paint_fill(rect_of(obj), color);
 }
 
 // A copy made before the object grew covers fewer rows: the rest of the screen stays.

@@ -88,11 +88,6 @@ void paint_thumb(const ux_slider_bar *slider, uint32_t sign_width) {
                   coordinate(int64_t{obj.y} + bar_height(slider) - 1), slider->thumb_color);
 }
 
-void paint_box(const rect &box, uint32_t color) {
-    uxDrawBox(box.x, box.y, coordinate(int64_t{box.x} + box.width - 1),
-              coordinate(int64_t{box.y} + box.height - 1), color);
-}
-
 void paint_number(int number, const color_pair &colors, const rect &box, int size) {
     char digits[sizeof "-2147483648"] = {};
     char16_t text[sizeof digits];
@@ -212,7 +207,7 @@ int ux_slider_bar_show(ux_obj *obj) noexcept {
     ux::paint_background(obj, colors.bg);
     const ux::sign_cell sign = ux::fit_sign(ux::bar_height(slider));
     const ux::slider_parts parts = ux::parts_of(slider, sign);
-    ux::paint_box(parts.track, slider->bar_color);
+    ux::paint_fill(parts.track, slider->bar_color);
     ux::paint_thumb(slider, sign.width);
     ux::paint_border(obj, parts.track);
     ux::paint_texts(slider, parts, colors);
