@@ -19,10 +19,10 @@ constexpr int k_step = 10;
 constexpr uint32_t k_least_thumb = 8; // pixels
 
 struct slider_state {
-    key_capture keys; // the page's handlers of left and right while a slider has the focus
+    key_capture backup_keys; // the page's handlers of left and right while a slider has the focus
 };
 
-slider_state s_slider;
+slider_state s_sliders;
 
 // Columns first to last, both included.
 struct span {
@@ -225,13 +225,13 @@ int ux_slider_bar_repaint(ux_obj *obj) noexcept {
 
 int ux_slider_bar_set_focus(ux_obj *obj) noexcept {
     ux_page *page = ux::page_of(obj);
-    ux::s_slider.keys.capture(page, UX_KEY_LEFT, ux_slider_bar_key_left);
-    ux::s_slider.keys.capture(page, UX_KEY_RIGHT, ux_slider_bar_key_right);
+    ux::s_sliders.backup_keys.capture(page, UX_KEY_LEFT, ux_slider_bar_key_left);
+    ux::s_sliders.backup_keys.capture(page, UX_KEY_RIGHT, ux_slider_bar_key_right);
     return ux::take_focus(obj);
 }
 
 int ux_slider_bar_unset_focus(ux_obj *obj) noexcept {
-    ux::s_slider.keys.restore(ux::page_of(obj));
+    ux::s_sliders.backup_keys.restore(ux::page_of(obj));
     return ux::clear_state(obj, UX_ST_FOCUSED);
 }
 
