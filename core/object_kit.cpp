@@ -58,10 +58,12 @@ void init_defaults(ux_obj *obj) {
     obj->handler_data = nullptr;
     ux_obj_set_default_border_color(obj);
     obj->bg_backup = nullptr;
+    obj->fg_backup = nullptr;
 }
 
 // The parent's add_obj comes before the defaults: a host's own may look at an unfinished object,
-// and the links it makes must stay.
+// and the links it makes must stay. One that makes none leaves none: the record may be the host's
+// own, with anything in it.
 void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *parent,
                  const rect &place) {
     obj->x = place.x;
@@ -71,14 +73,11 @@ void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *p
     obj->type = prototype.type;
     obj->flags = prototype.flags;
     obj->status = 0;
-    if (parent) {
-        obj->page_id = parent->obj.page_id;
+    obj->next = nullptr;
+    obj->parent = nullptr;
+    obj->page_id = parent ? parent->obj.page_id : -1;
+    if (parent)
         parent->add_obj(parent, obj);
-    } else {
-        obj->page_id = -1;
-        obj->next = nullptr;
-        obj->parent = nullptr;
-    }
     init_defaults(obj);
     obj->show = prototype.show;
     obj->hide = prototype.hide;

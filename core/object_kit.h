@@ -56,7 +56,7 @@ Widget *as(ux_obj *obj) {
     return reinterpret_cast<Widget *>(obj);
 }
 
-// Fills a zeroed record's header and links it into `parent`, which may be null.
+// Fills a record's header, whatever was in it, and links it into `parent`, which may be null.
 void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *parent,
                  const rect &place);
 
