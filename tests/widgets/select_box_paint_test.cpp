@@ -200,7 +200,9 @@ TEST_F(SelectBoxPaintTest, texts_of_the_backgrounds_colour_leave_what_they_stand
     ux_select_box *box = make_at({1, 1, 30, 6}, {u"a"});
     ux_select_box_set_fg_color(box, k_normal, k_text);
     box->obj.border = 1;
+    fake_chip::get().glyphs[u'<'] = {0, 4, 2, {"...X"}};
     ux_select_box_show(&box->obj);
+    EXPECT_EQ(buf_pixel(4, 1), 0xFFFFFFFF) << "the border under the left sign";
     EXPECT_EQ(buf_pixel(23, 1), 0xFFFFFFFF) << "the border under the right sign";
     box->obj.border = -1; // the text begins above the box
     ux_select_box_show(&box->obj);

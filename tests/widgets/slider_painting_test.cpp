@@ -299,6 +299,22 @@ TEST_F(SliderPaintingTest, numbers_have_the_width_of_the_track_and_the_height_of
     }
 }
 
+TEST_F(SliderPaintingTest, texts_of_the_backgrounds_colour_leave_what_they_stand_over) {
+    set_cell(3, 100);
+    for (char16_t letter : {u'<', u'0'})
+        fake_chip::get().glyphs[letter] = {0, 4, 2, {".", ".", "X"}};
+    ux_slider_bar *slider = make(0, 0, 36, 2); // dots below it: in row 2, the numbers' in 1 + 2
+    slider->show_numbers = 1;
+    ux_slider_bar_set_fg_color(slider, k_ground, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(0, 2), 0u);
+    EXPECT_EQ(buf_pixel(3, 3), 0u);
+    ux_slider_bar_set_fg_color(slider, k_ink, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(0, 2), k_ink);
+    EXPECT_EQ(buf_pixel(3, 3), k_ink);
+}
+
 TEST_F(SliderPaintingTest, odd_height_is_halved_downwards) {
     set_cell(3, 5);
     ux_slider_bar *slider = make(0, 0, 36, 11);
