@@ -62,7 +62,8 @@ void init_defaults(ux_obj *obj) {
 }
 
 // The parent's add_obj comes before the defaults: a host's own may look at an unfinished object,
-// and the links it makes must stay.
+// and the links it makes must stay. One that makes none leaves none: the record may be the host's
+// own, with anything in it.
 void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *parent,
                  const rect &place) {
     obj->x = place.x;
@@ -72,14 +73,11 @@ void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *p
     obj->type = prototype.type;
     obj->flags = prototype.flags;
     obj->status = 0;
-    if (parent) {
-        obj->page_id = parent->obj.page_id;
+    obj->next = nullptr;
+    obj->parent = nullptr;
+    obj->page_id = parent ? parent->obj.page_id : -1;
+    if (parent)
         parent->add_obj(parent, obj);
-    } else {
-        obj->page_id = -1;
-        obj->next = nullptr;
-        obj->parent = nullptr;
-    }
     init_defaults(obj);
     obj->show = prototype.show;
     obj->hide = prototype.hide;
@@ -116,14 +114,18 @@ void paint_border(const ux_obj *obj, const rect &place) {
 }
 
 void paint_border(const ux_obj *obj) {
-    paint_border(obj, {obj->x, obj->y, obj->width, obj->height});
+    paint_border(obj, rect_of(obj));
+}
+
+void paint_fill(const rect &place, uint32_t color) {
+    if (place.width <= 0 || place.height <= 0)
+        return;
+    uxDrawBox(place.x, place.y, coordinate(int64_t{place.x} + place.width - 1),
+              coordinate(int64_t{place.y} + place.height - 1), color);
 }
 
 void paint_fill(const ux_obj *obj, uint32_t color) {
-    if (obj->width <= 0 || obj->height <= 0)
-        return;
-    uxDrawBox(obj->x, obj->y, coordinate(int64_t{obj->x} + obj->width - 1),
-              coordinate(int64_t{obj->y} + obj->height - 1), color);
+    paint_fill(rect_of(obj), color);
 }
 
 // A copy made before the object grew covers fewer rows: the rest of the screen stays.

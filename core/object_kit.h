@@ -29,6 +29,10 @@ struct rect {
     int x, y, width, height;
 };
 
+inline rect rect_of(const ux_obj *obj) {
+    return {obj->x, obj->y, obj->width, obj->height};
+}
+
 // A sum of coordinates; what no screen reaches is cut at the largest number.
 inline int coordinate(int64_t sum) {
     return static_cast<int>(std::clamp<int64_t>(sum, INT_MIN, INT_MAX));
@@ -52,7 +56,7 @@ Widget *as(ux_obj *obj) {
     return reinterpret_cast<Widget *>(obj);
 }
 
-// Fills a zeroed record's header and links it into `parent`, which may be null.
+// Fills a record's header, whatever was in it, and links it into `parent`, which may be null.
 void init_object(ux_obj *obj, const object_prototype &prototype, ux_container *parent,
                  const rect &place);
 
@@ -100,7 +104,8 @@ int take_focus(ux_obj *obj);
 void paint_border(const ux_obj *obj);
 void paint_border(const ux_obj *obj, const rect &place);
 
-// Fills the object's rectangle.
+// Fills a rectangle, or the object's; one of no size is not painted.
+void paint_fill(const rect &place, uint32_t color);
 void paint_fill(const ux_obj *obj, uint32_t color);
 
 // Blends the saved background over the object's rectangle, if there is one.

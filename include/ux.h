@@ -1098,8 +1098,8 @@ UX_API int ux_text_field_set_text(ux_text_field *field, const char16_t *text) UX
 
 /* Stores `n`, or 255 when it is larger, as the number of characters that the field takes. It takes
  * no key while it holds more. Characters that fill it, and one beyond, are not painted before the
- * next show; an odd number n is never reached, since the character that fills the field cuts it to
- * (n + 1) / 2 characters. A negative limit refuses every key. Returns 0. */
+ * next show; keys never reach an odd number n above 1, since the character that fills the field
+ * cuts it to (n + 1) / 2 characters. A negative limit refuses every key. Returns 0. */
 UX_API int ux_text_field_set_limit(ux_text_field *field, int n) UX_NOEXCEPT;
 
 /* Stores the input type, UX_INPUT_*. The keys change when the field next gets the focus. Returns 0.

@@ -18,10 +18,10 @@ constexpr int k_step = 10;
 constexpr uint32_t k_least_thumb = 8; // pixels
 
 struct slider_state {
-    key_capture keys; // the page's handlers of left and right while a slider has the focus
+    key_capture backup_keys; // the page's handlers of left and right while a slider has the focus
 };
 
-slider_state s_slider;
+slider_state s_sliders;
 
 // Columns first to last, both included.
 struct span {
@@ -85,11 +85,6 @@ void paint_thumb(const ux_slider_bar *slider, uint32_t sign_width) {
     if (first <= last)
         uxDrawBox(coordinate(first), obj.y, coordinate(last),
                   coordinate(int64_t{obj.y} + bar_height(slider) - 1), slider->thumb_color);
-}
-
-void paint_box(const rect &box, uint32_t color) {
-    uxDrawBox(box.x, box.y, coordinate(int64_t{box.x} + box.width - 1),
-              coordinate(int64_t{box.y} + box.height - 1), color);
 }
 
 void paint_texts(const ux_slider_bar *slider, const slider_parts &parts, const color_pair &colors) {
@@ -203,7 +198,7 @@ int ux_slider_bar_show(ux_obj *obj) noexcept {
     ux::paint_background(obj, colors.bg);
     const ux::sign_cell sign = ux::fit_sign(ux::bar_height(slider));
     const ux::slider_parts parts = ux::parts_of(slider, sign);
-    ux::paint_box(parts.track, slider->bar_color);
+    ux::paint_fill(parts.track, slider->bar_color);
     ux::paint_thumb(slider, sign.width);
     ux::paint_border(obj, parts.track);
     ux::paint_texts(slider, parts, colors);
@@ -221,13 +216,13 @@ int ux_slider_bar_repaint(ux_obj *obj) noexcept {
 
 int ux_slider_bar_set_focus(ux_obj *obj) noexcept {
     ux_page *page = ux::page_of(obj);
-    ux::s_slider.keys.capture(page, UX_KEY_LEFT, ux_slider_bar_key_left);
-    ux::s_slider.keys.capture(page, UX_KEY_RIGHT, ux_slider_bar_key_right);
+    ux::s_sliders.backup_keys.capture(page, UX_KEY_LEFT, ux_slider_bar_key_left);
+    ux::s_sliders.backup_keys.capture(page, UX_KEY_RIGHT, ux_slider_bar_key_right);
     return ux::take_focus(obj);
 }
 
 int ux_slider_bar_unset_focus(ux_obj *obj) noexcept {
-    ux::s_slider.keys.restore(ux::page_of(obj));
+    ux::s_sliders.backup_keys.restore(ux::page_of(obj));
     return ux::clear_state(obj, UX_ST_FOCUSED);
 }
 

@@ -7,11 +7,7 @@
 namespace ux {
 namespace {
 
-struct state_colors {
-    uint32_t fg, bg;
-};
-
-state_colors colors_of(const ux_text_button *button) {
+color_pair colors_of(const ux_text_button *button) {
     switch (button->obj.status & (UX_ST_FOCUSED | UX_ST_SELECTED)) {
     case UX_ST_FOCUSED:
         return {button->focus_fg_color, button->focus_bg_color};
@@ -121,7 +117,7 @@ int ux_text_button_show(ux_obj *obj) noexcept {
     if (!ux::begin_show(obj))
         return 0;
     const auto *button = ux::as<ux_text_button>(obj);
-    const ux::state_colors colors = ux::colors_of(button);
+    const ux::color_pair colors = ux::colors_of(button);
     ux::save_background_once(obj, {button->bg_color, button->focus_bg_color,
                                    button->select_bg_color, button->select_focus_bg_color});
     ux::paint_background(obj, colors.bg);

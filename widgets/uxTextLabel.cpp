@@ -80,8 +80,8 @@ int ux_text_label_show(ux_obj *obj) noexcept {
     const auto *label = ux::as<ux_text_label>(obj);
     ux::save_background_once(obj, {label->bg_color});
     ux::paint_background(obj, label->bg_color);
-    ux::paint_text(label->text, label->fg_color, label->bg_color,
-                   {obj->x, obj->y, obj->width, obj->height}, ux::font_size(label->font_size));
+    ux::paint_text(label->text, label->fg_color, label->bg_color, ux::rect_of(obj),
+                   ux::font_size(label->font_size));
     ux_object_update(obj);
     return 0;
 }

@@ -186,6 +186,21 @@ TEST_F(ButtonListKeysTest, move_paints_the_old_button_plain_and_the_new_one_oran
     EXPECT_EQ(buf_pixel(7, 16), 0xFF000000);
 }
 
+TEST_F(ButtonListKeysTest, new_button_is_painted_last_where_both_overlap) {
+    make_screen(16, 24);
+    fill_buf(0xFF000000);
+    ux_button_list *list = make(2, 0, 0, 10, 20);
+    list->gap = -10; // H = (20 - 12 + 10) / 2 = 9: rows 3 to 11 and 8 to 16
+    ux_button_list_set_size(list, 0, 0, 10, 20);
+    ux_button_list_set_item_bg_color(list, 0xFF000044, 0xFFFF8800);
+    ux_button_list_show(obj_of(list));
+    for (int target : {1, 0}) {
+        ux_button_list_move_to_target(list, target);
+        EXPECT_EQ(buf_pixel(6, 8), 0xFFFF8800) << target;
+        EXPECT_EQ(buf_pixel(6, 11), 0xFFFF8800) << target;
+    }
+}
+
 TEST_F(ButtonListKeysTest, move_to_a_hidden_button_by_call_makes_it_visible) {
     ux_button_list *list = make(2);
     ux_button_list_set_text(list, 1, nullptr);

@@ -196,6 +196,22 @@ TEST_F(SelectBoxPaintTest, text_box_is_what_signs_space_and_border_leave) {
     EXPECT_FALSE(has_room(box, u'a', 2, 9, 2)) << "6 - 2 is below a line";
 }
 
+TEST_F(SelectBoxPaintTest, texts_of_the_backgrounds_colour_leave_what_they_stand_over) {
+    ux_select_box *box = make_at({1, 1, 30, 6}, {u"a"});
+    ux_select_box_set_fg_color(box, k_normal, k_text);
+    box->obj.border = 1;
+    fake_chip::get().glyphs[u'<'] = {0, 4, 2, {"...X"}};
+    ux_select_box_show(&box->obj);
+    EXPECT_EQ(buf_pixel(4, 1), 0xFFFFFFFF) << "the border under the left sign";
+    EXPECT_EQ(buf_pixel(23, 1), 0xFFFFFFFF) << "the border under the right sign";
+    box->obj.border = -1; // the text begins above the box
+    ux_select_box_show(&box->obj);
+    EXPECT_EQ(buf_pixel(7, 0), 0u);
+    ux_select_box_set_fg_color(box, k_text, k_text);
+    ux_select_box_show(&box->obj);
+    EXPECT_EQ(buf_pixel(7, 0), k_text);
+}
+
 TEST_F(SelectBoxPaintTest, signs_and_text_are_painted_in_the_size_of_the_variable) {
     ux_select_box *box = make_at({1, 1, 30, 6}, {u"a"});
     setenv("FontSize", "7", 1);

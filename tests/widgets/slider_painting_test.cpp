@@ -224,6 +224,17 @@ TEST_F(SliderPaintingTest, sign_with_less_room_than_a_line_of_text_is_not_drawn)
     EXPECT_EQ(letters_of_row(0).find('#'), std::string::npos);
 }
 
+TEST_F(SliderPaintingTest, sign_of_the_backgrounds_colour_leaves_what_it_stands_over) {
+    set_cell(14, 6);
+    ux_slider_bar *slider = make(20, 0, 10, 6); // ">" at 20 + 10 - 14, outside of the slider
+    ux_slider_bar_set_fg_color(slider, k_ground, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(16, 0), 0u);
+    ux_slider_bar_set_fg_color(slider, k_ink, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(16, 0), k_ink);
+}
+
 TEST_F(SliderPaintingTest, border_runs_around_the_track_over_the_thumb) {
     ux_slider_bar *slider = make(0, 0, 36, 6);
     ux_slider_bar_set_border(slider, 2);
@@ -270,6 +281,38 @@ TEST_F(SliderPaintingTest, numbers_stand_below_the_bar_minimum_maximum_position_
     EXPECT_EQ(letters_of_row(5).substr(5, 9), times(9, 't')) << "the bar is the upper half";
     EXPECT_EQ(letters_of_row(6), "..ggg" + times(11, '#') + times(22, 'g') + "..");
     EXPECT_EQ(letters_of_row(7), ".." + times(36, 'g') + "..");
+}
+
+TEST_F(SliderPaintingTest, numbers_have_the_width_of_the_track_and_the_height_of_a_sign) {
+    struct {
+        uint32_t sign_height;
+        int advance;
+        uint32_t found;
+    } const cases[] = {{6, 30, k_ink}, {6, 31, k_ground}, {5, 30, k_ink}, {4, 30, k_ground}};
+    for (const auto &c : cases) {
+        set_cell(3, c.sign_height);
+        fake_chip::get().glyphs[u'0'] = {0, 4, c.advance, {"X"}};
+        ux_slider_bar *slider = make(0, 0, 36, 12);
+        slider->show_numbers = 1;
+        ux_slider_bar_show(&slider->obj);
+        EXPECT_EQ(buf_pixel(3, 6), c.found) << c.sign_height << ", " << c.advance;
+    }
+}
+
+TEST_F(SliderPaintingTest, texts_of_the_backgrounds_colour_leave_what_they_stand_over) {
+    set_cell(3, 100);
+    for (char16_t letter : {u'<', u'0'})
+        fake_chip::get().glyphs[letter] = {0, 4, 2, {".", ".", "X"}};
+    ux_slider_bar *slider = make(0, 0, 36, 2); // dots below it: in row 2, the numbers' in 1 + 2
+    slider->show_numbers = 1;
+    ux_slider_bar_set_fg_color(slider, k_ground, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(0, 2), 0u);
+    EXPECT_EQ(buf_pixel(3, 3), 0u);
+    ux_slider_bar_set_fg_color(slider, k_ink, k_ink);
+    ux_slider_bar_show(&slider->obj);
+    EXPECT_EQ(buf_pixel(0, 2), k_ink);
+    EXPECT_EQ(buf_pixel(3, 3), k_ink);
 }
 
 TEST_F(SliderPaintingTest, odd_height_is_halved_downwards) {

@@ -278,6 +278,19 @@ TEST_F(CheckBoxTest, no_border_is_painted_whatever_the_border_holds) {
     EXPECT_EQ(buf_pixel(2, 2), k_ink);
 }
 
+TEST_F(CheckBoxTest, caption_has_the_room_beside_the_mark_and_the_boxs_height) {
+    struct {
+        int height, advance;
+        uint32_t found;
+    } const cases[] = {{8, 4, k_ink}, {8, 5, k_screen}, {5, 2, k_ink}, {4, 2, k_screen}};
+    for (const auto &c : cases) {
+        fill_buf(k_screen);
+        fake_chip::get().glyphs[u'a'].advance = c.advance;
+        ux_check_box_show(&make(0, 0, 16, c.height)->obj); // 16 - 4 - 8 = 4
+        EXPECT_EQ(buf_pixel(c.height + 4, 0), c.found) << c.height << ", " << c.advance;
+    }
+}
+
 TEST_F(CheckBoxTest, text_size_is_the_environments_and_not_the_records) {
     ux_check_box *box = make(0, 0, 16, 8);
     box->font_size = 9;

@@ -64,6 +64,30 @@ TEST_F(SliderTest, init_fills_every_field_of_a_record_of_the_hosts_without_an_al
     EXPECT_EQ(slider.change_handler, nullptr);
 }
 
+TEST_F(SliderTest, record_of_the_hosts_can_save_its_face_whatever_was_in_it) {
+    fill_buf(0xFF204060);
+    ux_slider_bar slider;
+    memset(&slider, 0xA5, sizeof slider);
+    ux_slider_bar_init(nullptr, &slider, 0, 0, 2, 1);
+    ASSERT_EQ(slider.obj.fg_backup, nullptr);
+    EXPECT_EQ(ux_obj_backup_fg(&slider.obj), 0);
+    uint32_t face[2];
+    memcpy(face, slider.obj.fg_backup, sizeof face);
+    EXPECT_EQ(face[0], 0xFF204060);
+    EXPECT_EQ(face[1], 0xFF204060);
+    free(slider.obj.fg_backup);
+}
+
+TEST_F(SliderTest, parent_that_refuses_leaves_no_link_in_a_record_of_the_hosts) {
+    root()->add_obj = [](ux_container *, ux_obj *) { return -1; };
+    ux_slider_bar slider;
+    memset(&slider, 0xA5, sizeof slider);
+    EXPECT_EQ(ux_slider_bar_init(root(), &slider, 1, 2, 3, 4), 0);
+    EXPECT_EQ(slider.obj.next, nullptr);
+    EXPECT_EQ(slider.obj.parent, nullptr);
+    EXPECT_EQ(slider.obj.page_id, 0);
+}
+
 TEST_F(SliderTest, lack_of_memory_is_told_in_the_text_fields_words_and_links_nothing) {
     ux_error = 2;
     hooks::fail_allocation(1);

@@ -229,6 +229,31 @@ TEST_F(TextFieldPaintTest, text_is_painted_in_the_size_of_the_variable) {
     EXPECT_EQ(std::count(all.begin(), all.end(), "FSS_set_scale 1966080 0 0 1966080"), 1);
 }
 
+TEST_F(TextFieldPaintTest, text_has_the_room_that_the_border_leaves_on_all_sides) {
+    struct {
+        int height, advance;
+        uint32_t found;
+    } const cases[] = {{7, 7, k_text}, {7, 8, k_normal}, {6, 2, k_normal}};
+    for (const auto &c : cases) {
+        fake_chip::get().glyphs[u'a'].advance = c.advance;
+        ux_text_field *field = colored(0, 0, 9, c.height); // 7 x 5 or 7 x 4 inside
+        ux_text_field_set_border(field, 1);
+        ux_text_field_show(&field->obj);
+        EXPECT_EQ(buf_pixel(1, 1), c.found) << c.height << ", " << c.advance;
+    }
+}
+
+TEST_F(TextFieldPaintTest, text_of_the_backgrounds_colour_leaves_what_it_stands_over) {
+    ux_text_field *field = colored(2, 2, 8, 5);
+    ux_text_field_set_border(field, -1); // the text begins outside of the field
+    ux_text_field_set_fg_color(field, k_normal, k_text);
+    ux_text_field_show(&field->obj);
+    EXPECT_EQ(buf_pixel(1, 1), 0u);
+    ux_text_field_set_fg_color(field, k_text, k_text);
+    ux_text_field_show(&field->obj);
+    EXPECT_EQ(buf_pixel(1, 1), k_text);
+}
+
 // Background.
 
 TEST_F(TextFieldPaintTest, any_background_of_0_blackens_the_field_before_it_is_saved) {
