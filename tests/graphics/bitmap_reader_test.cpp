@@ -338,6 +338,31 @@ TEST_F(BitmapReaderTest, truncated_png_fails_with_the_rows_so_far) {
     testing::internal::GetCapturedStderr();
 }
 
+// Of 49 kB the first 8 are decoded: all of the passes that have 1 of 8 pixels, and of the next one,
+// which has every second of every fourth row, the upper rows.
+TEST_F(BitmapReaderTest, truncated_interlaced_png_scaled_fails_with_the_passes_so_far) {
+    folder.write_png("a.png", {.width = 128,
+                               .height = 128,
+                               .interlace = PNG_INTERLACE_ADAM7,
+                               .bytes = noise(128 * 128 * 3, 2)});
+    auto bytes = folder.read_bytes("a.png");
+    bytes.resize(10000);
+    folder.write_bytes("b.png", bytes);
+    testing::internal::CaptureStderr();
+    const RMBitmapOptions options = {255, 64, 64};
+    RMBitmapFile file;
+    ASSERT_EQ(RMOpenBitmapFile(folder.path("b.png").c_str(), &file, &options), k_success);
+    std::vector<uint8_t> pixels(64 * 64 * 4);
+    EXPECT_EQ(RMBitmapToRaw(pixels.data(), &file), k_failure);
+    RMCloseBitmapFile(&file);
+    testing::internal::GetCapturedStderr();
+    const auto whole = decode(folder.path("a.png"), 64, 64);
+    EXPECT_EQ(word(pixels, 0), word(whole, 0));
+    EXPECT_EQ(word(pixels, 62 * 64 + 62), word(whole, 62 * 64 + 62))
+        << "row 124 has the first ones";
+    EXPECT_EQ(word(pixels, 63 * 64 + 1), 0u);
+}
+
 TEST_F(BitmapReaderTest, close_returns_the_files_result_and_2_for_an_unknown_kind) {
     RMBitmapFile file;
     ASSERT_EQ(
