@@ -15,6 +15,13 @@ namespace {
 
 constexpr size_t k_uncached_alignment = 32;
 
+// Of libjpeg's memory. A picture in several scans is held as a whole while it is opened, in
+// coefficients of 2 bytes: 40 million pixels of three components each take 240 million.
+constexpr long k_memory_max = 256L << 20;
+
+// A scan of a few bytes goes over the whole picture again. Encoders make about ten.
+constexpr int k_scans_max = 100;
+
 // The decode that is going on.
 struct active_decode {
     j_common_ptr object; // null = none
@@ -31,6 +38,11 @@ void disarm() {
     s_active.object = nullptr;
 }
 
+void bound_scans(j_common_ptr object) {
+    if (reinterpret_cast<j_decompress_ptr>(object)->input_scan_number > k_scans_max)
+        object->err->error_exit(object);
+}
+
 // Slow integer arithmetic at full size. The extended colour space gives the bytes of RGB, in the
 // screen's order and with alpha 255.
 void start(RMJpegFile *jpeg) {
@@ -40,7 +52,11 @@ void start(RMJpegFile *jpeg) {
     cinfo->scale_denom = 1;
     cinfo->dct_method = JDCT_ISLOW;
     cinfo->quantize_colors = FALSE;
+    jpeg_progress_mgr progress = {};
+    progress.progress_monitor = bound_scans;
+    cinfo->progress = &progress;
     jpeg_start_decompress(cinfo);
+    cinfo->progress = nullptr;
     jpeg->src_width = cinfo->output_width;
     jpeg->src_height = cinfo->output_height;
 }
@@ -160,6 +176,7 @@ int open_jpeg_file(RMJpegFile *jpeg) {
         return UX_BITMAP_FAILURE;
     }
     jpeg_create_decompress(cinfo);
+    cinfo->mem->max_memory_to_use = k_memory_max;
     jpeg_stdio_src_rm_file(cinfo, jpeg->file);
     jpeg_read_header(cinfo, TRUE);
     jpeg_calc_output_dimensions(cinfo);

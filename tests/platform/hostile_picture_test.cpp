@@ -217,6 +217,22 @@ TEST_F(hostile_picture_test, a_jpeg_that_claims_to_be_larger_is_shown_and_does_n
     EXPECT_EQ(draw(path), shown(path));
 }
 
+TEST_F(hostile_picture_test, a_progressive_jpeg_that_claims_more_than_memory_is_refused) {
+    const std::string progressive = picture_bytes::jpeg(20, 20, true);
+    const std::string path =
+        write("huge.jpg", picture_bytes::with_jpeg_size(progressive, 65500, 65500));
+    EXPECT_EQ(draw(path), refused(path));
+}
+
+/* Each takes a pass over the whole picture. */
+TEST_F(hostile_picture_test, a_jpeg_of_a_few_scans_too_many_is_shown_and_of_hundreds_refused) {
+    const std::string progressive = picture_bytes::jpeg(20, 20, true);
+    const std::string few = write("few.jpg", picture_bytes::with_scan_repeated(progressive, 20));
+    EXPECT_EQ(draw(few), shown(few));
+    const std::string many = write("many.jpg", picture_bytes::with_scan_repeated(progressive, 300));
+    EXPECT_EQ(draw(many), refused(many));
+}
+
 TEST_F(hostile_picture_test, pictures_of_the_other_kind_are_refused) {
     for (const auto &[name, bytes] : {std::pair{"a.jpg", png_}, {"a.png", jpeg_}}) {
         const std::string path = write(name, bytes);
