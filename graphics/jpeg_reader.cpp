@@ -22,13 +22,14 @@ constexpr long k_memory_max = 256L << 20;
 // A scan of a few bytes goes over the whole picture again. Encoders make about ten.
 constexpr int k_scans_max = 100;
 
-// The decode that is going on.
+// The decode that is going on in a thread.
 struct active_decode {
     j_common_ptr object; // null = none
     jmp_buf landing;
 };
 
-active_decode s_active;
+// Reached without a call into the dynamic linker, which the library does not ask for.
+[[gnu::tls_model("initial-exec")]] thread_local active_decode s_active;
 
 // Arms the landing for `cinfo`; 0 at first, 1 after an error, when the object is already destroyed.
 #define UX_LAND_ON_ERROR(cinfo)                                                                    \

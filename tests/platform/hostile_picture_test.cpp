@@ -8,7 +8,7 @@
 
 #include "tests/graphics/picture_bytes.h"
 #include "tests/platform/http_fixture.h"
-#include "ux.h"
+#include "ux_bitmap.h"
 
 namespace {
 
@@ -347,6 +347,27 @@ TEST_F(hostile_picture_test, pages_instead_of_pictures_are_refused) {
     expect_refused(sends(http_head("404 Not Found", "Content-Length: 9\r\n") + "not found"));
     expect_refused(
         sends(http_answer("<!DOCTYPE html><title>Sign in</title>", "Content-Type: text/html\r\n")));
+}
+
+/* Comments come first, more than connections buffer: when they are sent, the reader is in the midst
+ * of the header. */
+TEST_F(hostile_picture_test, a_failing_picture_does_not_disturb_another_threads) {
+    const std::string bad = write("bad.jpg", jpeg_.substr(0, 100));
+    int opened_there = 0;
+    std::string url;
+    const drawn result = draw_from(
+        [&](http_connection &client) {
+            std::string start = http_head("200 OK") + jpeg_.substr(0, 2);
+            for (int i = 0; i < 256; i++)
+                start += "\xFF\xFE\xFF\xFF" + std::string(65533, ' ');
+            client.send(start);
+            RMBitmapFile file;
+            opened_there = RMOpenBitmapFile(bad.c_str(), &file, nullptr);
+            client.send(picture_bytes::with_jpeg_size(jpeg_, 20, 0).substr(2));
+        },
+        "/a.jpg", &url);
+    EXPECT_EQ(opened_there, UX_BITMAP_FAILURE);
+    EXPECT_EQ(result, refused(url));
 }
 
 TEST_F(hostile_picture_test, a_failing_picture_leaves_no_trace_on_the_next_one) {
