@@ -91,25 +91,46 @@ void scale_rows(uint8_t *dest, RMPngFile *png, uint8_t *row, const nearest_colum
     }
 }
 
-// Of a row's pixels the ones that `pass` brought, if they are shown.
+// Which columns of each eight `pass` brings, a bit each.
+unsigned columns_of_pass(int pass) {
+    unsigned bits = 0;
+    for (unsigned column = 0; column < 8; column++)
+        bits |= static_cast<unsigned>(PNG_COL_IN_INTERLACE_PASS(column, pass)) << column;
+    return bits;
+}
+
+// Of a row's pixels the ones that `pass` brought, if they are shown. Remainders are added up.
 void take_pass(word32 *out, const word32 *row, const RMPngFile *png, int pass) {
+    const unsigned bits = columns_of_pass(pass);
+    const uint32_t step = png->width / png->dst_width;
+    const uint32_t remainder = png->width % png->dst_width;
+    uint32_t column = 0;
+    uint64_t sum = 0;
     for (uint32_t x = 0; x < png->dst_width; x++) {
-        const auto column = static_cast<uint32_t>(uint64_t{x} * png->width / png->dst_width);
-        if (PNG_COL_IN_INTERLACE_PASS(column, pass))
-            out[x] = row[column];
+        out[x] = bits >> (column & 7) & 1 ? row[column] : out[x];
+        sum += remainder;
+        const bool carry = sum >= png->dst_width;
+        sum -= carry ? png->dst_width : 0;
+        column += step + (carry ? 1 : 0);
     }
 }
 
 // An interlaced picture comes in passes over all rows; of a row each brings some pixels, at their
 // places. Nothing but the output is kept from pass to pass: the source may be of any size.
 void scale_passes(uint8_t *dest, RMPngFile *png, uint8_t *row) {
+    const size_t out_bytes = size_t{png->dst_width} * k_pixel_bytes;
     for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; pass++) {
         uint32_t k = 0; // output row to come next
         for (uint32_t y = 0; y < png->height; y++) {
             png_read_row(png->png_ptr, row, nullptr);
-            for (; k < png->dst_height && source_row(png, k) == y; k++)
-                if (PNG_ROW_IN_INTERLACE_PASS(y, pass))
-                    take_pass(pixels(output_row(dest, png, k)), pixels(row), png, pass);
+            const bool is_new = PNG_ROW_IN_INTERLACE_PASS(y, pass);
+            for (const uint32_t first = k; k < png->dst_height && source_row(png, k) == y; k++) {
+                uint8_t *out = output_row(dest, png, k);
+                if (is_new && k == first)
+                    take_pass(pixels(out), pixels(row), png, pass);
+                else if (is_new)
+                    memcpy(out, out - out_bytes, out_bytes);
+            }
         }
     }
 }
