@@ -276,13 +276,19 @@ TEST_F(picture_memory_test, a_progressive_jpeg_that_claims_to_be_huge_is_refused
     EXPECT_LE(s_peak - before, 256L << 20);
 }
 
-/* 40 million pixels with 3 coefficients of 2 bytes each. */
-TEST_F(picture_memory_test, a_progressive_jpeg_of_40_megapixels_opens) {
-    const std::string path =
-        write("a.jpg",
-              picture_bytes::with_jpeg_size(picture_bytes::jpeg(k_side, k_side, true), 8000, 5000));
+/* 2 bytes for each of the coefficients of three components without subsampling: 240 MB, and 288 MB
+ * for 48 megapixels. */
+TEST_F(picture_memory_test, a_progressive_jpeg_of_40_megapixels_opens_and_one_of_48_does_not) {
+    std::string bytes = picture_bytes::jpeg(k_side, k_side, true);
+    constexpr size_t k_luma_samples = 6; /* behind the size: three components, the first one's */
+    bytes[picture_bytes::jpeg_size_at(bytes) + k_luma_samples] = 0x11;
+    const std::string path = write("a.jpg", picture_bytes::with_jpeg_size(bytes, 8000, 5000));
     RMBitmapFile file;
+    const long before = s_bytes;
     ASSERT_EQ(RMOpenBitmapFile(path.c_str(), &file, nullptr), UX_BITMAP_SUCCESS);
+    EXPECT_GE(s_bytes - before, 240000000);
     EXPECT_EQ(file.jpeg.src_width, 8000u);
     EXPECT_EQ(RMCloseBitmapFile(&file), UX_BITMAP_SUCCESS);
+    const std::string larger = write("b.jpg", picture_bytes::with_jpeg_size(bytes, 8000, 6000));
+    EXPECT_EQ(RMOpenBitmapFile(larger.c_str(), &file, nullptr), UX_BITMAP_FAILURE);
 }
