@@ -15,13 +15,21 @@ namespace {
 
 constexpr size_t k_uncached_alignment = 32;
 
-// The decode that is going on.
+// Of libjpeg's memory. A picture in several scans is held as a whole while it is opened, in
+// coefficients of 2 bytes: 40 million pixels of three components each take 240 million.
+constexpr long k_memory_max = 256L << 20;
+
+// A scan of a few bytes goes over the whole picture again. Encoders make about ten.
+constexpr int k_scans_max = 100;
+
+// The decode that is going on in a thread.
 struct active_decode {
     j_common_ptr object; // null = none
     jmp_buf landing;
 };
 
-active_decode s_active;
+// Reached without a call into the dynamic linker, which the library does not ask for.
+[[gnu::tls_model("initial-exec")]] thread_local active_decode s_active;
 
 // Arms the landing for `cinfo`; 0 at first, 1 after an error, when the object is already destroyed.
 #define UX_LAND_ON_ERROR(cinfo)                                                                    \
@@ -29,6 +37,11 @@ active_decode s_active;
 
 void disarm() {
     s_active.object = nullptr;
+}
+
+void bound_scans(j_common_ptr object) {
+    if (reinterpret_cast<j_decompress_ptr>(object)->input_scan_number > k_scans_max)
+        object->err->error_exit(object);
 }
 
 // Slow integer arithmetic at full size. The extended colour space gives the bytes of RGB, in the
@@ -40,7 +53,11 @@ void start(RMJpegFile *jpeg) {
     cinfo->scale_denom = 1;
     cinfo->dct_method = JDCT_ISLOW;
     cinfo->quantize_colors = FALSE;
+    jpeg_progress_mgr progress = {};
+    progress.progress_monitor = bound_scans;
+    cinfo->progress = &progress;
     jpeg_start_decompress(cinfo);
+    cinfo->progress = nullptr;
     jpeg->src_width = cinfo->output_width;
     jpeg->src_height = cinfo->output_height;
 }
@@ -69,8 +86,38 @@ int read_unscaled(uint8_t *dest, RMJpegFile *jpeg) {
     return UX_BITMAP_SUCCESS;
 }
 
-// Output row k shows source row floor(k * src_height / dst_height). Rows between the shown ones are
-// not converted, the ones below the last not read.
+// Whether libjpeg's chroma is smoothed between rows: where luma has two of them to one, and one or
+// two columns to one, but not in the narrowest pictures.
+bool is_smoothed(const jpeg_component_info &luma, const jpeg_component_info &chroma) {
+    constexpr JDIMENSION narrowest = 3;
+    return luma.v_samp_factor == 2 && luma.h_samp_factor <= 2 && chroma.h_samp_factor == 1 &&
+           chroma.downsampled_width >= narrowest;
+}
+
+// Whether libjpeg may leave rows out. Afterwards it goes on at a wrong place where a component has
+// more than one row of samples in a group, unless that is for smoothing.
+bool can_skip_rows(const jpeg_decompress_struct &cinfo) {
+    const jpeg_component_info *parts = cinfo.comp_info;
+    if (cinfo.num_components == 1)
+        return parts[0].v_samp_factor == 1;
+    for (int i = 1; i < cinfo.num_components; i++)
+        if (parts[i].v_samp_factor != 1 ||
+            (parts[0].v_samp_factor != 1 && !is_smoothed(parts[0], parts[i])))
+            return false;
+    return true;
+}
+
+// Reads on to row `wanted` of the picture, of which `next` is to come; the rows before are not
+// converted if that can be.
+void read_row_at(RMJpegFile *jpeg, uint32_t wanted, uint32_t next, uint8_t *row) {
+    if (next < wanted && can_skip_rows(jpeg->cinfo))
+        next += jpeg_skip_scanlines(&jpeg->cinfo, wanted - next);
+    for (; next <= wanted; next++)
+        read_row(jpeg, row);
+}
+
+// Output row k shows source row floor(k * src_height / dst_height). The rows below the last one
+// shown are not read.
 void scale_rows(uint8_t *dest, RMJpegFile *jpeg, uint8_t *row, const nearest_columns &columns) {
     const size_t out_bytes = size_t{jpeg->dst_width} * k_pixel_bytes;
     uint32_t next = 0; // source row that libjpeg gives next
@@ -82,9 +129,7 @@ void scale_rows(uint8_t *dest, RMJpegFile *jpeg, uint8_t *row, const nearest_col
             memcpy(out, out - out_bytes, out_bytes);
             continue;
         }
-        if (next < wanted)
-            jpeg_skip_scanlines(&jpeg->cinfo, wanted - next);
-        read_row(jpeg, row);
+        read_row_at(jpeg, wanted, next, row);
         next = wanted + 1;
         scale_row(pixels(out), pixels(row), columns);
         set_alpha(out, jpeg->dst_width, jpeg->alpha);
@@ -132,6 +177,7 @@ int open_jpeg_file(RMJpegFile *jpeg) {
         return UX_BITMAP_FAILURE;
     }
     jpeg_create_decompress(cinfo);
+    cinfo->mem->max_memory_to_use = k_memory_max;
     jpeg_stdio_src_rm_file(cinfo, jpeg->file);
     jpeg_read_header(cinfo, TRUE);
     jpeg_calc_output_dimensions(cinfo);

@@ -14,6 +14,10 @@ namespace {
 
 constexpr int k_byte_bits = 8;
 
+// The texts in a picture are left out: a thousand of 8 MB each would fit into a small file. To
+// libpng 0 stands for any number, and 1 for none.
+constexpr png_uint_32 k_no_texts = 1;
+
 // The order counts: expansions first, so that what follows sees 8-bit grey or RGB.
 void normalise(RMPngFile *png) {
     png_structp reader = png->png_ptr;
@@ -38,6 +42,7 @@ void normalise(RMPngFile *png) {
 
 void read_header(RMPngFile *png) {
     png_set_read_fn(png->png_ptr, png->file, png_read_data_rm_file);
+    png_set_chunk_cache_max(png->png_ptr, k_no_texts);
     png_read_info(png->png_ptr, png->info_ptr);
     png->width = png_get_image_width(png->png_ptr, png->info_ptr);
     png->height = png_get_image_height(png->png_ptr, png->info_ptr);
@@ -86,46 +91,65 @@ void scale_rows(uint8_t *dest, RMPngFile *png, uint8_t *row, const nearest_colum
     }
 }
 
-// An interlaced picture comes in passes over all rows. Rows that are shown are kept from pass to
-// pass in `kept`, one for each output row; the others go through its last row.
-void scale_passes(uint8_t *dest, RMPngFile *png, uint8_t *kept, const nearest_columns &columns) {
-    const size_t row_bytes = png_get_rowbytes(png->png_ptr, png->info_ptr);
-    for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; pass++) {
-        uint32_t k = 0;
-        for (uint32_t row = 0; row < png->height; row++) {
-            while (k < png->dst_height && source_row(png, k) < row)
-                k++;
-            const bool shown = k < png->dst_height && source_row(png, k) == row;
-            png_read_row(png->png_ptr, kept + (shown ? k : png->dst_height) * row_bytes, nullptr);
-        }
+// Which columns of each eight `pass` brings, a bit each.
+unsigned columns_of_pass(int pass) {
+    unsigned bits = 0;
+    for (unsigned column = 0; column < 8; column++)
+        bits |= static_cast<unsigned>(PNG_COL_IN_INTERLACE_PASS(column, pass)) << column;
+    return bits;
+}
+
+// Of a row's pixels the ones that `pass` brought, if they are shown. Remainders are added up.
+void take_pass(word32 *out, const word32 *row, const RMPngFile *png, int pass) {
+    const unsigned bits = columns_of_pass(pass);
+    const uint32_t step = png->width / png->dst_width;
+    const uint32_t remainder = png->width % png->dst_width;
+    uint32_t column = 0;
+    uint64_t sum = 0;
+    for (uint32_t x = 0; x < png->dst_width; x++) {
+        out[x] = bits >> (column & 7) & 1 ? row[column] : out[x];
+        sum += remainder;
+        const bool carry = sum >= png->dst_width;
+        sum -= carry ? png->dst_width : 0;
+        column += step + (carry ? 1 : 0);
     }
-    for (uint32_t k = 0; k < png->dst_height; k++) {
-        uint32_t first = k; // the first output row that shows the same source row
-        while (first > 0 && source_row(png, first - 1) == source_row(png, k))
-            first--;
-        scale_row(pixels(output_row(dest, png, k)), pixels(kept + first * row_bytes), columns);
+}
+
+// An interlaced picture comes in passes over all rows; of a row each brings some pixels, at their
+// places. Nothing but the output is kept from pass to pass: the source may be of any size.
+void scale_passes(uint8_t *dest, RMPngFile *png, uint8_t *row) {
+    const size_t out_bytes = size_t{png->dst_width} * k_pixel_bytes;
+    for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; pass++) {
+        uint32_t k = 0; // output row to come next
+        for (uint32_t y = 0; y < png->height; y++) {
+            png_read_row(png->png_ptr, row, nullptr);
+            const bool is_new = PNG_ROW_IN_INTERLACE_PASS(y, pass);
+            for (const uint32_t first = k; k < png->dst_height && source_row(png, k) == y; k++) {
+                uint8_t *out = output_row(dest, png, k);
+                if (is_new && k == first)
+                    take_pass(pixels(out), pixels(row), png, pass);
+                else if (is_new)
+                    memcpy(out, out - out_bytes, out_bytes);
+            }
+        }
     }
 }
 
 int read_scaled(uint8_t *dest, RMPngFile *png) {
-    const bool interlaced =
-        png_get_interlace_type(png->png_ptr, png->info_ptr) != PNG_INTERLACE_NONE;
-    const size_t row_bytes = png_get_rowbytes(png->png_ptr, png->info_ptr);
-    const size_t rows = interlaced ? size_t{png->dst_height} + 1 : 1;
-    auto *buffer = static_cast<uint8_t *>(calloc(rows, row_bytes));
-    if (!buffer)
+    auto *row = static_cast<uint8_t *>(calloc(1, png_get_rowbytes(png->png_ptr, png->info_ptr)));
+    if (!row)
         return UX_BITMAP_FAILURE;
     const nearest_columns columns(static_cast<int32_t>(png->width),
                                   static_cast<int32_t>(png->dst_width));
     if (setjmp(png_jmpbuf(png->png_ptr))) {
-        free(buffer);
+        free(row);
         return UX_BITMAP_FAILURE;
     }
-    if (interlaced)
-        scale_passes(dest, png, buffer, columns);
+    if (png_get_interlace_type(png->png_ptr, png->info_ptr) == PNG_INTERLACE_NONE)
+        scale_rows(dest, png, row, columns);
     else
-        scale_rows(dest, png, buffer, columns);
-    free(buffer);
+        scale_passes(dest, png, row);
+    free(row);
     return UX_BITMAP_SUCCESS;
 }
 

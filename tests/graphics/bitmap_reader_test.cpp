@@ -50,6 +50,25 @@ class BitmapReaderTest : public ScreenTest {
         return result == k_success ? pixels : std::vector<uint8_t>{};
     }
 
+    // A JPEG of noise scaled down in height has rows of the whole one: k shows floor(k * h / to_h).
+    void expect_samples(uint32_t h, int components, const jpeg_coding &coding, uint32_t w = 40) {
+        const auto bytes = noise(w * h * static_cast<size_t>(components), 7);
+        const std::string path = folder.write_jpeg("a.jpg", w, h, components, bytes, coding);
+        const auto whole = decode(path);
+        ASSERT_EQ(whole.size(), 4u * w * h);
+        for (const uint32_t to_h : {1u, 2u, 3u, 5u, 7u, 11u, 20u, 33u, 64u, 100u, h - 1, h + 1}) {
+            const auto scaled = decode(path, w, to_h);
+            ASSERT_EQ(scaled.size(), 4u * w * to_h);
+            for (uint32_t y = 0; y < to_h; y++)
+                ASSERT_EQ(memcmp(&scaled[size_t{4} * w * y], &whole[size_t{4} * w * (y * h / to_h)],
+                                 4 * w),
+                          0)
+                    << components << " of " << coding.columns << "x" << coding.rows
+                    << (coding.progressive ? "p" : "") << coding.restart << ", row " << y << " of "
+                    << to_h << " from " << h;
+        }
+    }
+
     picture_folder folder;
 };
 
@@ -192,26 +211,44 @@ TEST_F(BitmapReaderTest, scaled_pictures_are_samples_of_the_unscaled_one) {
 
 // Rows that are not shown are left out inside libjpeg, whole groups of blocks at once.
 TEST_F(BitmapReaderTest, jpegs_of_all_codings_scaled_far_down_are_samples_of_the_unscaled_one) {
-    constexpr uint32_t w = 40;
-    constexpr uint32_t h = 331;
-    const auto bytes = noise(w * h * 3, 7);
     for (const jpeg_coding &coding :
-         {jpeg_coding{1, 1, false}, jpeg_coding{2, 1, false}, jpeg_coding{2, 2, false},
-          jpeg_coding{1, 2, false}, jpeg_coding{4, 1, false}, jpeg_coding{1, 1, true},
-          jpeg_coding{2, 2, true}}) {
-        const std::string path = folder.write_jpeg("a.jpg", w, h, 3, bytes, coding);
-        const auto whole = decode(path);
-        ASSERT_EQ(whole.size(), 4u * w * h);
-        for (const uint32_t to_h :
-             {1u, 2u, 3u, 5u, 7u, 11u, 20u, 33u, 64u, 100u, 165u, 200u, 330u, 332u, 700u}) {
-            const auto scaled = decode(path, w, to_h);
-            ASSERT_EQ(scaled.size(), 4u * w * to_h);
-            for (uint32_t y = 0; y < to_h; y++)
-                ASSERT_EQ(memcmp(&scaled[4 * w * y], &whole[4 * w * (y * h / to_h)], 4 * w), 0)
-                    << coding.columns << "x" << coding.rows << (coding.progressive ? "p" : "")
-                    << ", row " << y << " of " << to_h;
-        }
+         {jpeg_coding{1, 1}, jpeg_coding{2, 1}, jpeg_coding{2, 2}, jpeg_coding{1, 2},
+          jpeg_coding{4, 1}, jpeg_coding{1, 1, true}, jpeg_coding{2, 2, true}}) {
+        expect_samples(331, 3, coding);
+        expect_samples(16, 3, coding);
     }
+}
+
+TEST_F(BitmapReaderTest, jpegs_with_restart_markers_scaled_down_are_samples_of_the_unscaled_one) {
+    for (const unsigned restart : {1u, 2u, 7u})
+        for (const int rows : {1, 2}) {
+            expect_samples(101, 3, {2, rows, false, restart});
+            expect_samples(101, 3, {2, rows, true, restart});
+        }
+}
+
+// libjpeg can not leave out rows of these.
+TEST_F(BitmapReaderTest, jpegs_of_rare_codings_scaled_down_are_samples_of_the_unscaled_one) {
+    for (const jpeg_coding &coding : {jpeg_coding{4, 2}, jpeg_coding{1, 4}, jpeg_coding{2, 4},
+                                      jpeg_coding{4, 2, true}, jpeg_coding{1, 4, true}})
+        expect_samples(90, 3, coding);
+}
+
+// Chroma of so few columns is not smoothed, which changes libjpeg's way through the rows.
+TEST_F(BitmapReaderTest, narrow_jpegs_scaled_down_are_samples_of_the_unscaled_one) {
+    for (const uint32_t w : {1u, 2u, 3u, 4u, 5u, 6u})
+        for (const int columns : {1, 2})
+            for (const bool progressive : {false, true})
+                expect_samples(60, 3, {columns, 2, progressive}, w);
+}
+
+// The one component's samples have no others to be compared with: any number is the same picture.
+TEST_F(BitmapReaderTest, grey_jpegs_of_all_codings_scaled_down_are_samples_of_the_unscaled_one) {
+    for (const int rows : {1, 2, 4})
+        for (const int columns : {1, 2, 4}) {
+            expect_samples(90, 1, {columns, rows});
+            expect_samples(35, 1, {columns, rows, true});
+        }
 }
 
 // libjpeg alone, slow integer arithmetic, RGB.
@@ -299,6 +336,31 @@ TEST_F(BitmapReaderTest, truncated_png_fails_with_the_rows_so_far) {
     EXPECT_NE(word(pixels, 0), 0u);
     EXPECT_EQ(word(pixels, 128 * 128 - 1), 0u);
     testing::internal::GetCapturedStderr();
+}
+
+// Of 49 kB the first 8 are decoded: all of the passes that have 1 of 8 pixels, and of the next one,
+// which has every second of every fourth row, the upper rows.
+TEST_F(BitmapReaderTest, truncated_interlaced_png_scaled_fails_with_the_passes_so_far) {
+    folder.write_png("a.png", {.width = 128,
+                               .height = 128,
+                               .interlace = PNG_INTERLACE_ADAM7,
+                               .bytes = noise(128 * 128 * 3, 2)});
+    auto bytes = folder.read_bytes("a.png");
+    bytes.resize(10000);
+    folder.write_bytes("b.png", bytes);
+    testing::internal::CaptureStderr();
+    const RMBitmapOptions options = {255, 64, 64};
+    RMBitmapFile file;
+    ASSERT_EQ(RMOpenBitmapFile(folder.path("b.png").c_str(), &file, &options), k_success);
+    std::vector<uint8_t> pixels(64 * 64 * 4);
+    EXPECT_EQ(RMBitmapToRaw(pixels.data(), &file), k_failure);
+    RMCloseBitmapFile(&file);
+    testing::internal::GetCapturedStderr();
+    const auto whole = decode(folder.path("a.png"), 64, 64);
+    EXPECT_EQ(word(pixels, 0), word(whole, 0));
+    EXPECT_EQ(word(pixels, 62 * 64 + 62), word(whole, 62 * 64 + 62))
+        << "row 124 has the first ones";
+    EXPECT_EQ(word(pixels, 63 * 64 + 1), 0u);
 }
 
 TEST_F(BitmapReaderTest, close_returns_the_files_result_and_2_for_an_unknown_kind) {

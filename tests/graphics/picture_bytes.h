@@ -15,6 +15,11 @@
 
 namespace picture_bytes {
 
+inline void put_big_endian(std::string &bytes, size_t at, uint32_t value, int count) {
+    for (int i = 0; i < count; i++)
+        bytes[at + static_cast<size_t>(i)] = static_cast<char>(value >> 8 * (count - 1 - i));
+}
+
 // Rows of three bytes a pixel without a pattern, the same at every call.
 inline std::vector<uint8_t> sample_rgb(uint32_t width, uint32_t height) {
     std::vector<uint8_t> result(size_t{width} * height * 3);
@@ -51,6 +56,38 @@ inline std::string png(uint32_t width, uint32_t height, bool interlaced = false)
     return result;
 }
 
+// A PNG with `count` compressed texts of `length` letters each.
+inline std::string png_with_texts(uint32_t width, uint32_t height, int count, size_t length) {
+    const std::string picture = png(width, height);
+    const std::string letters(length, 'x');
+    uLongf packed_bytes = compressBound(letters.size());
+    std::string packed(packed_bytes, '\0');
+    compress(reinterpret_cast<Bytef *>(packed.data()), &packed_bytes,
+             reinterpret_cast<const Bytef *>(letters.data()), letters.size());
+    std::string chunk = std::string("zTXtk\0\0", 7) + packed.substr(0, packed_bytes);
+    const auto sum = static_cast<uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef *>(chunk.data()), static_cast<uInt>(chunk.size())));
+    const std::string ends(4, '\0');
+    chunk = ends + chunk + ends;
+    put_big_endian(chunk, 0, static_cast<uint32_t>(chunk.size() - 12), 4);
+    put_big_endian(chunk, chunk.size() - 4, sum, 4);
+    constexpr size_t after_header = 33;
+    std::string texts;
+    for (int i = 0; i < count; i++)
+        texts += chunk;
+    return picture.substr(0, after_header) + texts + picture.substr(after_header);
+}
+
+// The JPEG with its last scan once more, `times` times.
+inline std::string with_scan_repeated(const std::string &bytes, int times) {
+    const size_t scan = bytes.rfind("\xFF\xDA");
+    const size_t end = bytes.rfind("\xFF\xD9");
+    std::string result = bytes.substr(0, end);
+    for (int i = 0; i < times; i++)
+        result += bytes.substr(scan, end - scan);
+    return result + bytes.substr(end);
+}
+
 inline std::string jpeg(uint32_t width, uint32_t height, bool progressive = false) {
     jpeg_compress_struct cinfo;
     jpeg_error_mgr errors;
@@ -77,11 +114,6 @@ inline std::string jpeg(uint32_t width, uint32_t height, bool progressive = fals
     const std::string result(reinterpret_cast<const char *>(memory), count);
     free(memory);
     return result;
-}
-
-inline void put_big_endian(std::string &bytes, size_t at, uint32_t value, int count) {
-    for (int i = 0; i < count; i++)
-        bytes[at + static_cast<size_t>(i)] = static_cast<char>(value >> 8 * (count - 1 - i));
 }
 
 // The PNG with another size in its header, whose checksum is right.

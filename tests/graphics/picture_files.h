@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,11 +29,12 @@ struct png_content {
     std::vector<uint8_t> bytes = {};                  // all rows, packed
 };
 
-// How a JPEG of three components is coded: luma samples per chroma sample, one pass or several.
+// How a JPEG is coded: luma samples per chroma sample, one pass or several.
 struct jpeg_coding {
     int columns = 2;
     int rows = 2;
     bool progressive = false;
+    unsigned restart = 0; // groups of blocks between two restart markers; 0 = no markers
 };
 
 // A folder that goes away with the test.
@@ -74,10 +76,10 @@ class picture_folder {
         return path(name);
     }
 
-    // `components` is 1 (grey), 3 (RGB) or 4 (CMYK).
+    // `components` is 1 (grey), 3 (RGB) or 4 (CMYK). Without a coding it is libjpeg's usual one.
     std::string write_jpeg(const std::string &name, uint32_t width, uint32_t height, int components,
                            const std::vector<uint8_t> &bytes,
-                           const jpeg_coding &coding = {}) const {
+                           const std::optional<jpeg_coding> &coding = {}) const {
         FILE *file = fopen(path(name).c_str(), "wb");
         jpeg_compress_struct cinfo;
         jpeg_error_mgr errors;
@@ -91,11 +93,12 @@ class picture_folder {
                                : components == 3 ? JCS_RGB
                                                  : JCS_CMYK;
         jpeg_set_defaults(&cinfo);
-        if (components == 3) {
-            cinfo.comp_info[0].h_samp_factor = coding.columns;
-            cinfo.comp_info[0].v_samp_factor = coding.rows;
+        if (coding) {
+            cinfo.comp_info[0].h_samp_factor = coding->columns;
+            cinfo.comp_info[0].v_samp_factor = coding->rows;
+            cinfo.restart_interval = coding->restart;
         }
-        if (coding.progressive)
+        if (coding && coding->progressive)
             jpeg_simple_progression(&cinfo);
         jpeg_start_compress(&cinfo, TRUE);
         while (cinfo.next_scanline < height) {

@@ -8,7 +8,7 @@
 
 #include "tests/graphics/picture_bytes.h"
 #include "tests/platform/http_fixture.h"
-#include "ux.h"
+#include "ux_bitmap.h"
 
 namespace {
 
@@ -217,6 +217,22 @@ TEST_F(hostile_picture_test, a_jpeg_that_claims_to_be_larger_is_shown_and_does_n
     EXPECT_EQ(draw(path), shown(path));
 }
 
+TEST_F(hostile_picture_test, a_progressive_jpeg_that_claims_more_than_memory_is_refused) {
+    const std::string progressive = picture_bytes::jpeg(20, 20, true);
+    const std::string path =
+        write("huge.jpg", picture_bytes::with_jpeg_size(progressive, 65500, 65500));
+    EXPECT_EQ(draw(path), refused(path));
+}
+
+/* Each takes a pass over the whole picture. */
+TEST_F(hostile_picture_test, a_jpeg_of_a_few_scans_too_many_is_shown_and_of_hundreds_refused) {
+    const std::string progressive = picture_bytes::jpeg(20, 20, true);
+    const std::string few = write("few.jpg", picture_bytes::with_scan_repeated(progressive, 20));
+    EXPECT_EQ(draw(few), shown(few));
+    const std::string many = write("many.jpg", picture_bytes::with_scan_repeated(progressive, 300));
+    EXPECT_EQ(draw(many), refused(many));
+}
+
 TEST_F(hostile_picture_test, pictures_of_the_other_kind_are_refused) {
     for (const auto &[name, bytes] : {std::pair{"a.jpg", png_}, {"a.png", jpeg_}}) {
         const std::string path = write(name, bytes);
@@ -331,6 +347,27 @@ TEST_F(hostile_picture_test, pages_instead_of_pictures_are_refused) {
     expect_refused(sends(http_head("404 Not Found", "Content-Length: 9\r\n") + "not found"));
     expect_refused(
         sends(http_answer("<!DOCTYPE html><title>Sign in</title>", "Content-Type: text/html\r\n")));
+}
+
+/* Comments come first, more than connections buffer: when they are sent, the reader is in the midst
+ * of the header. */
+TEST_F(hostile_picture_test, a_failing_picture_does_not_disturb_another_threads) {
+    const std::string bad = write("bad.jpg", jpeg_.substr(0, 100));
+    int opened_there = 0;
+    std::string url;
+    const drawn result = draw_from(
+        [&](http_connection &client) {
+            std::string start = http_head("200 OK") + jpeg_.substr(0, 2);
+            for (int i = 0; i < 256; i++)
+                start += "\xFF\xFE\xFF\xFF" + std::string(65533, ' ');
+            client.send(start);
+            RMBitmapFile file;
+            opened_there = RMOpenBitmapFile(bad.c_str(), &file, nullptr);
+            client.send(picture_bytes::with_jpeg_size(jpeg_, 20, 0).substr(2));
+        },
+        "/a.jpg", &url);
+    EXPECT_EQ(opened_there, UX_BITMAP_FAILURE);
+    EXPECT_EQ(result, refused(url));
 }
 
 TEST_F(hostile_picture_test, a_failing_picture_leaves_no_trace_on_the_next_one) {

@@ -3,12 +3,14 @@
  * Memory that runs out anywhere in a picture's way: in the library, in libpng, zlib and libjpeg, in
  * the C library's files. The program's own malloc stands before the C library's for all of them.
  */
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "tests/graphics/picture_bytes.h"
 #include "ux_bitmap.h"
@@ -16,6 +18,8 @@
 namespace {
 
 std::atomic<long> s_live;     /* blocks given out and not freed */
+std::atomic<long> s_bytes;    /* in them */
+std::atomic<long> s_peak;     /* the most of these since it was last set */
 thread_local long s_asked;    /* allocations of this thread since the last arming */
 thread_local long s_fails_at; /* the one that fails; 0 = none */
 
@@ -26,8 +30,18 @@ bool fails() {
     return true;
 }
 
+void change_bytes(long change) {
+    s_bytes += change;
+    s_peak = std::max<long>(s_peak, s_bytes);
+}
+
+long bytes_of(void *block) {
+    return static_cast<long>(malloc_usable_size(block));
+}
+
 void *counted(void *block) {
     s_live += block != nullptr;
+    change_bytes(bytes_of(block));
     return block;
 }
 
@@ -51,13 +65,17 @@ void *calloc(size_t count, size_t bytes) {
 void *realloc(void *old, size_t bytes) {
     if (fails())
         return nullptr;
+    const long old_bytes = bytes_of(old);
     void *moved = __libc_realloc(old, bytes);
+    if (moved || bytes == 0)
+        change_bytes(bytes_of(moved) - old_bytes);
     s_live += (moved != nullptr) - (old != nullptr && (moved != nullptr || bytes == 0));
     return moved;
 }
 
 void free(void *block) {
     s_live -= block != nullptr;
+    change_bytes(-bytes_of(block));
     __libc_free(block);
 }
 
@@ -136,9 +154,26 @@ class picture_memory_test : public testing::Test {
         }
     }
 
+    /* The most memory that loading takes at a time, without the block of `width` x `height`. */
+    static long peak_beside_block(const std::string &path, int width, int height) {
+        const long before = s_bytes;
+        s_peak = before;
+        void *block = ux_load_image(path.c_str(), width, height);
+        EXPECT_NE(block, nullptr);
+        const long peak = s_peak - before - (block ? bytes_of(block) : 0);
+        free(block);
+        return peak;
+    }
+
   private:
     std::string folder_;
 };
+
+constexpr int k_full_width = 1920;
+constexpr int k_full_height = 1080;
+constexpr int k_screen_width = 1280;
+constexpr int k_screen_height = 720;
+constexpr long k_row_bytes = 4L * k_full_width;
 
 } // namespace
 
@@ -192,4 +227,68 @@ TEST_F(picture_memory_test, a_handle_is_closed_after_any_failure) {
             EXPECT_EQ(RMCloseBitmapFile(&file), UX_BITMAP_SUCCESS);
         });
     }
+}
+
+/* Most of it are the samples of 16 rows with their neighbours, in three components, and tables:
+ * 102 kB were measured. */
+TEST_F(picture_memory_test, a_jpeg_takes_a_few_rows_beside_its_block) {
+    const std::string path = write("a.jpg", picture_bytes::jpeg(k_full_width, k_full_height));
+    EXPECT_LE(peak_beside_block(path, k_full_width, k_full_height), 16 * k_row_bytes);
+    EXPECT_LE(peak_beside_block(path, k_screen_width, k_screen_height), 16 * k_row_bytes);
+    EXPECT_LE(peak_beside_block(path, 2 * k_full_width, 16), 16 * k_row_bytes);
+}
+
+/* A few rows, zlib's window and buffers: 78 kB were measured. */
+TEST_F(picture_memory_test, a_png_takes_a_few_rows_beside_its_block) {
+    for (const bool interlaced : {false, true}) {
+        const std::string path =
+            write("a.png", picture_bytes::png(k_full_width, k_full_height, interlaced));
+        EXPECT_LE(peak_beside_block(path, k_full_width, k_full_height), 16 * k_row_bytes);
+        EXPECT_LE(peak_beside_block(path, k_screen_width, k_screen_height), 16 * k_row_bytes);
+        EXPECT_LE(peak_beside_block(path, 16, 2 * k_full_height), 16 * k_row_bytes);
+    }
+}
+
+/* A row has 4 MB, as libpng gives it: a few of them are held, whatever the block's height. */
+TEST_F(picture_memory_test, an_interlaced_png_that_claims_to_be_huge_takes_a_few_rows) {
+    constexpr uint32_t side = 1000000;
+    const std::string path =
+        write("a.png", picture_bytes::with_png_size(picture_bytes::png(20, 20, true), side, side));
+    EXPECT_LE(peak_beside_block(path, 64, 720), 8L * 4 * side);
+}
+
+/* Each of the texts is a few kilobytes in the file. */
+TEST_F(picture_memory_test, texts_in_a_png_are_left_out) {
+    const std::string path =
+        write("a.png", picture_bytes::png_with_texts(k_side, k_side, 16, 4 << 20));
+    EXPECT_LE(peak_beside_block(path, k_side, k_side), 1 << 20);
+}
+
+/* Its coefficients would be 25 GB. */
+TEST_F(picture_memory_test, a_progressive_jpeg_that_claims_to_be_huge_is_refused_without_memory) {
+    const std::string path =
+        write("a.jpg", picture_bytes::with_jpeg_size(picture_bytes::jpeg(k_side, k_side, true),
+                                                     65500, 65500));
+    const long before = s_bytes;
+    s_peak = before;
+    RMBitmapFile file;
+    EXPECT_EQ(RMOpenBitmapFile(path.c_str(), &file, nullptr), UX_BITMAP_FAILURE);
+    EXPECT_LE(s_peak - before, 256L << 20);
+}
+
+/* 2 bytes for each of the coefficients of three components without subsampling: 240 MB, and 288 MB
+ * for 48 megapixels. */
+TEST_F(picture_memory_test, a_progressive_jpeg_of_40_megapixels_opens_and_one_of_48_does_not) {
+    std::string bytes = picture_bytes::jpeg(k_side, k_side, true);
+    constexpr size_t k_luma_samples = 6; /* behind the size: three components, the first one's */
+    bytes[picture_bytes::jpeg_size_at(bytes) + k_luma_samples] = 0x11;
+    const std::string path = write("a.jpg", picture_bytes::with_jpeg_size(bytes, 8000, 5000));
+    RMBitmapFile file;
+    const long before = s_bytes;
+    ASSERT_EQ(RMOpenBitmapFile(path.c_str(), &file, nullptr), UX_BITMAP_SUCCESS);
+    EXPECT_GE(s_bytes - before, 240000000);
+    EXPECT_EQ(file.jpeg.src_width, 8000u);
+    EXPECT_EQ(RMCloseBitmapFile(&file), UX_BITMAP_SUCCESS);
+    const std::string larger = write("b.jpg", picture_bytes::with_jpeg_size(bytes, 8000, 6000));
+    EXPECT_EQ(RMOpenBitmapFile(larger.c_str(), &file, nullptr), UX_BITMAP_FAILURE);
 }

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/ipc.h>
@@ -23,6 +24,12 @@ std::atomic<long> s_blocks; // allocated minus freed
 bool allocation_fails() {
     s_allocations++;
     return s_fail_in > 0 && --s_fail_in == 0;
+}
+
+// More than any memory has: the C library gives null, a sanitizer ends the program.
+bool is_beyond_memory(size_t count, size_t bytes) {
+    size_t all = 0;
+    return __builtin_mul_overflow(count, bytes, &all) || all > PTRDIFF_MAX;
 }
 
 void *counted(void *block) {
@@ -102,7 +109,9 @@ void *__wrap_malloc(size_t bytes) {
 }
 
 void *__wrap_calloc(size_t count, size_t bytes) {
-    return hooks::allocation_fails() ? nullptr : hooks::counted(__real_calloc(count, bytes));
+    if (hooks::allocation_fails() || hooks::is_beyond_memory(count, bytes))
+        return nullptr;
+    return hooks::counted(__real_calloc(count, bytes));
 }
 
 void *__wrap_realloc(void *old, size_t bytes) {
