@@ -133,9 +133,15 @@ pass show_file(const char *path, ticker &shown, scrolling direction, text_line &
     return result;
 }
 
+// Prints a variable as one line.
 const char *print_variable(const char *name) {
     const char *value = getenv(name);
-    printf("uxWidget %s = %s\n", name, value ? value : "(null)");
+    flockfile(stdout);
+    printf("uxWidget %s = ", name);
+    for (const char *byte = value ? value : "(null)"; const char c = load_byte(byte); byte++)
+        putchar(c);
+    putchar('\n');
+    funlockfile(stdout);
     return value;
 }
 
