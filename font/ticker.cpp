@@ -138,7 +138,8 @@ const char *print_variable(const char *name) {
     const char *value = getenv(name);
     flockfile(stdout);
     printf("uxWidget %s = ", name);
-    for (const char *byte = value ? value : "(null)"; const char c = load_byte(byte); byte++)
+    const char *text = value ? value : "(null)";
+    for (char c = load_byte(text); c != '\0'; c = load_byte(++text))
         putchar(c);
     putchar('\n');
     funlockfile(stdout);
