@@ -133,9 +133,16 @@ pass show_file(const char *path, ticker &shown, scrolling direction, text_line &
     return result;
 }
 
+// Prints a variable as one line.
 const char *print_variable(const char *name) {
     const char *value = getenv(name);
-    printf("uxWidget %s = %s\n", name, value ? value : "(null)");
+    flockfile(stdout);
+    printf("uxWidget %s = ", name);
+    const char *text = value ? value : "(null)";
+    for (char c = load_byte(text); c != '\0'; c = load_byte(++text))
+        putchar(c);
+    putchar('\n');
+    funlockfile(stdout);
     return value;
 }
 

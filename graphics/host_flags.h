@@ -7,13 +7,18 @@
 
 namespace ux {
 
-// Whether `present`, which getenv() gave, is exactly `value`. Its bytes are loaded one by one and
-// as a whole: a host may overwrite them in place from another thread.
+// A byte of what getenv() gave, loaded as a whole: a host may overwrite it in place from another
+// thread.
+inline char load_byte(const char *present) {
+    return __atomic_load_n(present, __ATOMIC_RELAXED);
+}
+
+// Whether `present`, which getenv() gave, is exactly `value`.
 inline bool value_is(const char *present, const char *value) {
     if (!present)
         return false;
     for (;; present++, value++) {
-        const char byte = __atomic_load_n(present, __ATOMIC_RELAXED);
+        const char byte = load_byte(present);
         if (byte != *value)
             return false;
         if (byte == '\0')
