@@ -52,8 +52,15 @@ void *allocate_block(int width, int height) {
     if (width <= 0 || height <= 0)
         return calloc(1, k_decoded_pixel_bytes);
     const int64_t bpp = std::max<int64_t>(k_decoded_pixel_bytes, main_screen.bytes_per_pixel);
-    return calloc(static_cast<size_t>(width) * static_cast<size_t>(height),
-                  static_cast<size_t>(bpp));
+    size_t count = 0; // of 32 bits on most chips
+    if (__builtin_mul_overflow(width, height, &count))
+        return nullptr;
+    return calloc(count, static_cast<size_t>(bpp));
+}
+
+// A path as messages tell it.
+const char *name_of(const char *path) {
+    return path ? path : "(null)";
 }
 
 // A block that may have been decoded in part only: the rest of it draws nothing.
@@ -68,7 +75,7 @@ loaded_block load(const char *path, int width, int height, uint8_t alpha) {
                                      empty ? 0 : static_cast<uint32_t>(height)};
     RMBitmapFile file;
     if (RMOpenBitmapFile(path, &file, &options) != UX_BITMAP_SUCCESS) {
-        printf("RMOpenBitmapFile %s FAIL on ux_load_image\n", path);
+        printf("RMOpenBitmapFile %s FAIL on ux_load_image\n", name_of(path));
         return {nullptr, false};
     }
     loaded_block block = {allocate_block(width, height), true};
@@ -87,7 +94,7 @@ bool is_on_screen(int x, int y) {
 
 // The line that hosts count drawn pictures by.
 void announce(const char *path) {
-    printf("ADV Play PHOTO %s\n", path);
+    printf("ADV Play PHOTO %s\n", name_of(path));
 }
 
 // Draws a loaded block, which may be null, and releases it.

@@ -15,9 +15,9 @@ constexpr char k_http[] = "http://";
 constexpr uint32_t k_max_palette = 256;
 constexpr RMBitmapOptions k_default_options = {0xFF, 0, 0};
 
-// 0 = no kind that can be read.
+// 0 = no kind that can be read; a null path has none.
 uint32_t kind_of(const char *path) {
-    const size_t length = strlen(path);
+    const size_t length = path ? strlen(path) : 0;
     if (length < k_suffix)
         return 0;
     const char *suffix = path + length - k_suffix;

@@ -115,6 +115,13 @@ TEST_F(ImageLoadTest, address_is_loaded) {
     EXPECT_EQ(taken(ux_load_image("http://host/a.png", 1, 1), 1), pixels{0xFF010203});
 }
 
+TEST_F(ImageLoadTest, null_path_is_an_unreadable_picture) {
+    EXPECT_EQ(printed([] { EXPECT_EQ(ux_load_image(nullptr, 2, 2), nullptr); }), fail("(null)"));
+    EXPECT_EQ(printed([] { EXPECT_EQ(ux_draw_image(nullptr, 0, 0, 2, 2, 0), 0); }),
+              "ADV Play PHOTO (null)\n" + fail("(null)"));
+    EXPECT_EQ(plain::numbers(main_screen.buf), std::vector<uint32_t>(16 * 8));
+}
+
 TEST_F(ImageLoadTest, unreadable_picture_gives_null_and_the_fail_message) {
     folder.write_bytes("lie.png", {'n', 'o'});
     folder.write_bytes("short.jpg", {0xFF});
