@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <regex>
+#include <string>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -99,7 +101,15 @@ double used_seconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
+// These run outside the benchmark library, which is asked for nothing but its filter.
+bool is_wanted(const char *name) {
+    const std::string filter = benchmark::GetBenchmarkFilter();
+    return filter.empty() || filter == "all" || std::regex_search(name, std::regex(filter));
+}
+
 void report_share(const char *name, int mode) {
+    if (!is_wanted(name))
+        return;
     use_screen();
     timespec end = {};
     clock_gettime(CLOCK_MONOTONIC, &end);
