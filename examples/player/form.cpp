@@ -2,6 +2,7 @@
 // Rows of a form and the walk between them; see form.h.
 #include "form.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace player {
@@ -84,9 +85,12 @@ int press_ok(ux_event *ev) {
 
 // A touch goes to a widget, changes a check box and presses a button.
 int touch(ux_event *ev) {
-    const auto index = reinterpret_cast<uintptr_t>(ev->data);
-    go_to(index);
-    const stop &where = s_form.stops[index];
+    const auto touched = std::find_if(s_form.stops.begin(), s_form.stops.end(),
+                                      [ev](const stop &at) { return at.widget == ev->obj; });
+    if (touched == s_form.stops.end())
+        return 0;
+    const stop &where = *touched;
+    go_to(static_cast<size_t>(touched - s_form.stops.begin()));
     if (where.action || where.widget->type == UX_TYPE_CHECK_BOX)
         return press_ok(ev);
     return 0;
@@ -104,7 +108,7 @@ int text_top() {
 }
 
 void add_stop(const stop &where) {
-    ux_obj_set_handler(where.widget, touch, reinterpret_cast<void *>(s_form.stops.size()));
+    ux_obj_set_handler(where.widget, touch, nullptr);
     s_form.stops.push_back(where);
 }
 
