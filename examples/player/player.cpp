@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A small media player for a landscape screen of 1280 x 720 pixels or more: a menu over a picture,
-// a photo show, a calendar with a clock, settings, messages and a line of news. Every page has a
-// file of its own; this one starts and ends the program.
+// A small media player for a 32-bit landscape screen of 1280 x 720 pixels or more: a menu over a
+// picture, a photo show, a calendar with a clock, settings, messages and a line of news. Every page
+// has a file of its own; this one starts and ends the program.
 //
 //     player [--at hours:minutes:seconds year-month] [folder or http-address ...]
 //
@@ -87,18 +87,24 @@ void build() {
     build_home();
 }
 
+// Colours and layout are made for such a screen; another one would show them wrong.
+bool screen_fits() {
+    return main_screen.color_mode == UX_COLOR_MODE_ARGB8888 &&
+           main_screen.width >= k_screen_width && main_screen.height >= k_screen_height;
+}
+
 int run() {
     if (!set_up_environment())
         return EXIT_FAILURE;
     ux_system_init();
     int status = EXIT_FAILURE;
-    if (main_screen.width >= k_screen_width && main_screen.height >= k_screen_height) {
+    if (screen_fits()) {
         build();
         ux_screen_show_all();
         ux_screen_main_loop();
         status = EXIT_SUCCESS;
     } else {
-        fprintf(stderr, "the player wants a screen of %d x %d pixels\n", k_screen_width,
+        fprintf(stderr, "the player wants a 32-bit screen of %d x %d pixels\n", k_screen_width,
                 k_screen_height);
     }
     remove_news();
