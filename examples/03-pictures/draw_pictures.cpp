@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Draws the pictures of this example into a folder: photographs as JPEG and PNG, the pictures of
-// the buttons as PNG with alpha. Every run gives the same bytes.
+// Draws pictures into a folder, laid out as the examples': photographs as JPEG and PNG, the
+// pictures of the buttons as PNG with alpha. Every run gives the same bytes.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -30,10 +30,10 @@ int main(int argc, char **argv) {
         return EXIT_FAILURE;
     }
     const std::filesystem::path folder = argv[1];
-    write_jpeg(folder / "photos/lake.jpg", paint(lake, 1280, 720, 3));
-    write_jpeg(folder / "photos/dunes.jpg", paint(dunes, 1280, 720, 3));
-    write_png(folder / "photos/night.png", paint(night, 640, 360, 3));
-    write_jpeg(folder / "server/coast.jpg", paint(coast, 1280, 720, 3));
+    write_jpeg(folder / "03-pictures/photos/lake.jpg", paint(lake, 1280, 720, 3));
+    write_jpeg(folder / "03-pictures/photos/dunes.jpg", paint(dunes, 1280, 720, 3));
+    write_png(folder / "03-pictures/photos/night.png", paint(night, 640, 360, 3));
+    write_jpeg(folder / "03-pictures/server/coast.jpg", paint(coast, 1280, 720, 3));
     write_jpeg(folder / "device/orbo/images/backdrop.jpg", paint(backdrop, 1280, 720, 3));
     draw_icons(folder / "device/orbo/images");
     return EXIT_SUCCESS;

@@ -152,6 +152,16 @@ void mark_effect(size_t effect) {
     }
 }
 
+// Keys that arrive while the effect goes on.
+void stop_effect(const ux_event &event) {
+    if (event.type != UX_EVENT_KEY)
+        return;
+    if (event.value == UX_KEY_0)
+        setenv("STATUS", "gotoMenu", 1);
+    else if (event.value == UX_KEY_OK)
+        setenv("ShowMSG", "YES", 1);
+}
+
 int show_next(ux_event *) {
     drop_rest_timer();
     const size_t index = s_player.step % s_player.pictures.size();
@@ -163,7 +173,7 @@ int show_next(ux_event *) {
                                         std::to_string(s_player.pictures.size()) + "    " +
                                         std::filesystem::path(path).filename().string()));
     {
-        show_stopper stopper;
+        show_stopper stopper(stop_effect);
         ux_draw_image(path.c_str(), k_margin, k_content_top, k_photo_width, k_photo_height,
                       static_cast<int>(effect) + 1);
     }

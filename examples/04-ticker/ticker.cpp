@@ -3,13 +3,13 @@
 // of its own; the host starts and stops it through environment variables and changes the file while
 // it runs. How variables are shared between threads without a race is told in ux.h, section Ticker.
 #include <array>
-#include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
-#include <unistd.h>
+
+#include "bulletin.h"
+#include "flag.h"
 
 #include <ux.h>
 
@@ -52,55 +52,6 @@ enum ticker_mode { k_no_mode = 0, k_scroll_up = 2, k_scroll_left = 4 };
 int step_of(int mode) {
     return mode == k_scroll_up ? 1 : 2;
 }
-
-// A variable that stops the ticker by one of its values. It is set before any thread starts; from
-// then on only the value's first byte changes, in place and at once. So no reader ever sees half a
-// value, and the environment itself, which others may be reading, never moves.
-class flag {
-  public:
-    // To be called before any thread starts.
-    void set_up(const char *name, const char *stopping_value) {
-        std::string value = stopping_value;
-        value[0] = k_lowered;
-        setenv(name, value.c_str(), 1);
-        m_value = getenv(name);
-        m_raised = stopping_value[0];
-    }
-    void raise() const { std::atomic_ref<char>(*m_value).store(m_raised); }
-    void lower() const { std::atomic_ref<char>(*m_value).store(k_lowered); }
-
-  private:
-    static constexpr char k_lowered = '-';
-    char *m_value = nullptr;
-    char m_raised = 0;
-};
-
-// The file that the ticker shows. A new edition takes the old one's place at once, so that the file
-// always holds lines: a ticker that has none to show does not ask whether to stop.
-class bulletin {
-  public:
-    bool make() {
-        const int file = mkstemp(m_path);
-        if (file < 0)
-            return false;
-        close(file);
-        return true;
-    }
-    void publish(const std::string &lines) const {
-        const std::string draft = std::string(m_path) + ".new";
-        std::FILE *file = std::fopen(draft.c_str(), "w");
-        if (file == nullptr)
-            return;
-        const bool written = std::fputs(lines.c_str(), file) >= 0;
-        if (std::fclose(file) == 0 && written)
-            std::rename(draft.c_str(), m_path);
-    }
-    void remove() const { unlink(m_path); }
-    const char *path() const { return m_path; }
-
-  private:
-    char m_path[32] = "/tmp/ux-ticker-XXXXXX";
-};
 
 constexpr std::array k_editions = {
     "Good evening. Rain in the north until midnight, dry and mild in the south.\n"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Draws the pictures of this example into a folder: the clock's face, the tile of a calendar's day,
-// what lies behind a message. Every run gives the same bytes.
+// Draws pictures into a folder, laid out as the examples': the clock's face, the tile of a
+// calendar's day, what lies behind a message. Every run gives the same bytes.
 #include <cstdio>
 #include <cstdlib>
 

@@ -1,12 +1,15 @@
 # SPDX-License-Identifier: MIT
-# Draws the pictures of an example anew and compares them, byte for byte, with those that ship.
+# Draws the pictures of the examples anew and compares them, byte for byte, with those that ship.
 
 file(REMOVE_RECURSE ${DRAWN})
-execute_process(COMMAND ${TOOL} ${DRAWN} COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "," ";" TOOLS "${TOOLS}")
+foreach(tool IN LISTS TOOLS)
+    execute_process(COMMAND ${tool} ${DRAWN} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
 file(GLOB_RECURSE drawn RELATIVE ${DRAWN} ${DRAWN}/*)
 file(GLOB_RECURSE shipped RELATIVE ${SHIPPED} ${SHIPPED}/*.png ${SHIPPED}/*.jpg)
 if(NOT drawn STREQUAL shipped)
-    message(FATAL_ERROR "the tool draws ${drawn}, the example ships ${shipped}")
+    message(FATAL_ERROR "the tools draw ${drawn}, the examples ship ${shipped}")
 endif()
 foreach(name IN LISTS drawn)
     file(SHA256 ${DRAWN}/${name} drawn_sum)

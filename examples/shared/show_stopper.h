@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Keys that stop an effect.
+// Events that arrive while an effect goes on.
 #ifndef UX_EXAMPLES_SHOW_STOPPER_H
 #define UX_EXAMPLES_SHOW_STOPPER_H
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <thread>
 
 #include <ux.h>
 
 // While an effect reveals a picture the main loop stands still and no handler runs. For that time
-// this thread takes the events instead, and tells the effect through its two variables to stop.
-// Both exist from the start, so that setting them only exchanges their values.
+// this thread takes the events instead; `take` tells the effect through its variables to stop. They
+// exist from the start, so that setting them only exchanges their values.
 class show_stopper {
   public:
-    show_stopper() : m_thread([this] { watch(); }) {}
+    using taker = void (*)(const ux_event &event);
+
+    explicit show_stopper(taker take) : m_take(take), m_thread([this] { watch(); }) {}
     ~show_stopper() {
         m_is_over = true;
         m_thread.join();
@@ -29,20 +30,12 @@ class show_stopper {
         while (!m_is_over) {
             ux_event event;
             while (ux_event_get(&event) == 0)
-                take(event);
+                m_take(event);
             std::this_thread::sleep_for(nap);
         }
     }
 
-    static void take(const ux_event &event) {
-        if (event.type != UX_EVENT_KEY)
-            return;
-        if (event.value == UX_KEY_0)
-            setenv("STATUS", "gotoMenu", 1);
-        else if (event.value == UX_KEY_OK)
-            setenv("ShowMSG", "YES", 1);
-    }
-
+    taker m_take;
     std::atomic<bool> m_is_over = false;
     std::thread m_thread;
 };
