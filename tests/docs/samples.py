@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Every code sample of the documents compiles; complete programs link with the library."""
+"""Every code sample of the documents compiles; complete programs link with the library. A script of
+the simulator is carried out on the program before it in the same document, if there is one."""
 
 import argparse
+import os
 import re
 import subprocess
 import sys
@@ -33,10 +35,14 @@ class Checker:
     def __init__(self, arguments, folder):
         self.arguments = arguments
         self.folder = folder
+        self.program = None  # the last one of the document
+        paths = {str(library.parent) for library in arguments.library}
+        self.environment = {**os.environ, "LD_LIBRARY_PATH": ":".join(sorted(paths))}
 
     def run(self, *command, fails=lambda status: status != 0):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              timeout=120, check=False, encoding="utf-8", errors="replace")
+                              timeout=120, check=False, encoding="utf-8", errors="replace",
+                              env=self.environment)
         return done.stdout or f"status {done.returncode}" if fails(done.returncode) else ""
 
     def keep(self, name, code):
@@ -46,12 +52,12 @@ class Checker:
 
     def compile(self, compiler, options, source, code):
         end = ["-c"]
+        made = self.folder / "made"
         if MAIN.search(code):
-            folders = {str(library.parent) for library in self.arguments.library}
-            end = [*map(str, self.arguments.library), "-pthread",
-                   *(f"-Wl,-rpath-link,{folder}" for folder in folders)]
+            self.program = made = self.folder / "program"
+            end = [*map(str, self.arguments.library), "-pthread"]
         return self.run(compiler, *options, *WARNINGS, f"-I{project.ROOT / 'include'}", source,
-                        *end, "-o", self.folder / "made")
+                        *end, "-o", made)
 
     def c(self, code):
         return self.compile(self.arguments.cc, ["-std=c11", "-D_DEFAULT_SOURCE"],
@@ -68,9 +74,12 @@ class Checker:
         return self.run("bash", "-n", self.keep("sample.sh", code))
 
     def uxs(self, code):
-        """The simulator looks at the whole script before it looks for the host."""
-        return self.run(self.arguments.simulator, "--headless", "--timeout", "20", "--script",
-                        self.keep("sample.uxs", code), "--", self.folder / "no-host",
+        """Without a host: the simulator looks at the whole script before it looks for one."""
+        simulate = [self.arguments.simulator, "--headless", "--virtual-time", "--timeout", "60",
+                    "--shots", self.arguments.shots or self.folder / "shots", "--script", self.keep("sample.uxs", code)]
+        if self.program:
+            return self.run(*simulate, "--", self.program)
+        return self.run(*simulate, "--", self.folder / "no-host",
                         fails=lambda status: status != 127)
 
 
@@ -79,6 +88,7 @@ def check(checker):
     count = 0
     complaints = []
     for document in project.documents():
+        checker.program = None
         for line, language, code in samples(document):
             if language in PLAIN:
                 continue
@@ -97,6 +107,7 @@ def main():
     parser.add_argument("--cxx", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--library", type=Path, action="append", default=[])
+    parser.add_argument("--shots", type=Path, help="where scripts leave their shots")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="ux-samples-") as folder:
         count, complaints = check(Checker(arguments, Path(folder)))

@@ -34,7 +34,8 @@ class SamplesTest(unittest.TestCase):
         patch = mock.patch.object(samples.project, "ROOT", self.root)
         patch.start()
         self.addCleanup(patch.stop)
-        tools = argparse.Namespace(cc="cc", cxx="c++", simulator="false", library=[])
+        tools = argparse.Namespace(cc="cc", cxx="c++", simulator="false", library=[],
+                                   shots=None)
         self.checker = samples.Checker(tools, self.root)
 
     def check(self, blocks):
@@ -59,6 +60,15 @@ class SamplesTest(unittest.TestCase):
         count, complaints = self.check({"cpp": program})
         self.assertEqual((count, len(complaints)), (1, 1))
         self.assertIn("twice", complaints[0])
+
+    def test_a_script_runs_on_the_program_before_it(self):
+        """echo stands for the simulator: it succeeds, and tells what it was asked to run."""
+        self.checker.arguments.simulator = "echo"
+        program = "int main() {}\n"
+        self.assertEqual(self.check({"cpp": program, "uxs": "quit\n"}), (2, []))
+        count, complaints = self.check({"uxs": "quit\n"})  # status 0 is not that of no host
+        self.assertEqual((count, len(complaints)), (1, 1))
+        self.assertIn("no-host", complaints[0])
 
 
 if __name__ == "__main__":
