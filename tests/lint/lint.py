@@ -17,7 +17,7 @@ CHECKS = {
     "licence": (text.licence, "every source opens with the licence line"),
     "length": (text.length, "no source is too long"),
     "includes": (includes.check, "includes form no circle and go downwards only"),
-    "docs": (docs.check, "documents name only paths that exist"),
+    "docs": (docs.check, "documents name only paths, headings and tests that exist"),
     "shell": (text.shell, "shellcheck has nothing to say"),
     "tidy": (None, "clang-tidy has nothing to say"),
 }

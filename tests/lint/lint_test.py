@@ -84,6 +84,19 @@ class LintTest(unittest.TestCase):
         self.assertEqual(sorted(docs.check()), [
             "README.md:1: core/gone.h does not exist", "README.md:2: docs/gone.md does not exist"])
 
+    def test_a_link_to_a_missing_heading_is_found(self):
+        self.write("docs/a.md", "# Keys & touches\n```sh\n# no heading\n```\n"
+                                "[up](#keys--touches) [down](#no-heading)\n")
+        self.write("README.md", "[a](docs/a.md#keys--touches) [b](docs/a.md#gone)\n")
+        self.assertEqual(sorted(docs.check()), [
+            "README.md:1: no heading for docs/a.md#gone",
+            "docs/a.md:5: no heading for #no-heading"])
+
+    def test_a_document_naming_a_missing_test_is_found(self):
+        self.write("tests/core/a_test.cpp", "TEST_F(LoopTest,\n       ends_at_once) {\n}\n")
+        self.write("docs/a.md", "`LoopTest.ends_at_once`, `LoopTest.goes_on`, `obj.type`\n")
+        self.assertEqual(list(docs.check()), ["docs/a.md:1: no test LoopTest.goes_on"])
+
     def test_a_source_without_licence_is_found(self):
         self.write("core/good.cpp", HEAD)
         self.write("core/bad.cpp", "int x;\n")
