@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// The command line of ux-view.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ux::view {
+
+struct view_request {
+    std::string source = "/dev/fb0";    // a framebuffer device or a simulator's folder
+    std::string queue_path;             // names the input queue; empty = as the source has it
+    std::vector<std::string> addresses; // to listen at, at most two; empty = both loopbacks
+    std::string password;               // empty = none is asked for
+    int port = 5900;                    // of VNC and of the page's WebSocket; 0 = any free one
+};
+
+// Either a request or only a text for standard output.
+struct view_command {
+    std::optional<view_request> request;
+    std::string text;
+};
+
+// Throws usage_failure, or failure for a password file that cannot be read.
+view_command parse_view_command(int argc, char **argv);
+
+} // namespace ux::view
