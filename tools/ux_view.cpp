@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
-// ux-view: shows a screen over VNC and sends keys and touches back.
+// ux-view: shows a screen over VNC and in browsers, and sends keys and touches back.
 #include "sim/failure.h"
 #include "tools/view_options.h"
 #include "tools/view_server.h"
+#include "tools/view_web.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
+#include <optional>
 
 namespace {
 
@@ -46,44 +50,70 @@ timespec time_until(steady::time_point then) {
     return {.tv_sec = nanoseconds / k_second, .tv_nsec = nanoseconds % k_second};
 }
 
+struct services {
+    frame_source &source;
+    view_input &input;
+    view_server &vnc;
+    std::optional<web_server> &web;
+};
+
 // Until somebody wants something or the time has come.
-void wait(const view_server &server, steady::time_point until, const sigset_t &mask) {
-    fd_set wanted;
-    FD_ZERO(&wanted);
-    const int highest = server.add_to(wanted);
+void wait(const services &all, steady::time_point until, const sigset_t &mask) {
+    fd_set reading;
+    fd_set writing;
+    FD_ZERO(&reading);
+    FD_ZERO(&writing);
+    int highest = all.vnc.add_to(reading);
+    if (all.web) {
+        highest = std::max(highest, all.web->add_to(reading, writing));
+    }
     const timespec time = time_until(until);
-    pselect(highest + 1, &wanted, nullptr, nullptr, &time, &mask);
+    pselect(highest + 1, &reading, &writing, nullptr, &time, &mask);
 }
 
-int show(frame_source &source, view_input &input, view_server &server, const sigset_t &mask) {
+int show(const services &all, const sigset_t &mask) {
     steady::time_point next = steady::now();
     while (s_end_signal == 0) {
         const auto now = steady::now();
         if (now >= next) {
-            const bool busy = server.watched() || !input.idle();
-            next = now + (busy ? steady::duration(k_look_interval) : k_idle_interval);
-            source.check();
-            input.step(now);
-            if (server.watched()) {
-                server.look();
+            all.source.check();
+            all.input.step(now);
+            if (all.vnc.watched()) {
+                all.vnc.look();
             }
+            next = now + k_idle_interval;
         }
-        server.serve();
-        if (server.watched()) {
+        all.vnc.serve();
+        if (all.web) {
+            all.web->serve(now);
+        }
+        if (all.vnc.watched() || !all.input.idle()) {
             next = std::min(next, now + k_look_interval);
         }
-        wait(server, next, mask);
+        wait(all, next, mask);
     }
     return ux::sim::k_status_signal_base + s_end_signal;
 }
 
-void announce(const std::vector<listener> &sockets) {
+std::optional<web_server> serve_page(const view_request &request, int vnc_port) {
+    if (request.web_root.empty()) {
+        return std::nullopt;
+    }
+    const std::string page = request.web_root + "/vnc.html";
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(page, ignored)) {
+        const std::string text = "no browser page: there is no " + page + " (package novnc)";
+        if (request.web_wanted) {
+            throw ux::sim::failure(text);
+        }
+        std::fprintf(stderr, "ux-view: %s\n", text.c_str());
+        return std::nullopt;
+    }
+    auto sockets = listen_at(request.addresses, request.web_port);
     for (const listener &socket : sockets) {
-        std::printf("vnc %s\n", address_with_port(socket.address(), socket.port()).c_str());
+        std::printf("web http://%s/\n", address_with_port(socket.address(), socket.port()).c_str());
     }
-    if (std::fflush(stdout) != 0) {
-        throw ux::sim::failure(ux::sim::system_reason("cannot write to standard output"));
-    }
+    return std::make_optional<web_server>(std::move(sockets), request.web_root, vnc_port);
 }
 
 int run_view(int argc, char **argv) {
@@ -97,9 +127,15 @@ int run_view(int argc, char **argv) {
     const auto source = open_source(request.source);
     view_input input(request.queue_path.empty() ? source->queue_path() : request.queue_path);
     auto sockets = listen_at(request.addresses, request.port);
-    announce(sockets);
-    view_server server(*source, input, std::move(sockets), request.source, request.password);
-    return show(*source, input, server, mask);
+    for (const listener &socket : sockets) {
+        std::printf("vnc %s\n", address_with_port(socket.address(), socket.port()).c_str());
+    }
+    auto web = serve_page(request, sockets.front().port());
+    if (std::fflush(stdout) != 0) {
+        throw ux::sim::failure(ux::sim::system_reason("cannot write to standard output"));
+    }
+    view_server vnc(*source, input, std::move(sockets), request.source, request.password);
+    return show({*source, input, vnc, web}, mask);
 }
 
 } // namespace

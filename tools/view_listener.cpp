@@ -58,7 +58,7 @@ int port_of(int fd) {
 int open_socket(const std::string &address, int port) {
     const endpoint at = endpoint_of(address, port);
     const int family = at.name.ss_family;
-    const int fd = socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int fd = socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     const int on = 1;
     if (fd == -1) {
         return -1;

@@ -24,10 +24,13 @@ constexpr int k_highest_port = 65535;
 
 constexpr const char *k_help = R"(Usage: ux-view [options] [DEVICE|FOLDER]
 
-Shows a screen over VNC and sends keys and touches back: the framebuffer of a device
+Shows a screen over VNC and in browsers, and sends keys and touches back: the framebuffer of a device
 (default /dev/fb0), or the screen of a simulator by its folder, which ux-sim --verbose tells.
 
   --port PORT            for VNC (default 5900; 0 = any free one)
+  --web-port PORT        for the browser page (default 5800; 0 = any free one)
+  --web-root DIR         noVNC's files (default /usr/share/novnc)
+  --no-web               no browser page
   --listen ADDRESS       instead of 127.0.0.1 and ::1; may be given twice.
                          Any address but the loopback's wants a password
   --password-file FILE   ask viewers for the first line of FILE, 1 to 8 characters
@@ -37,6 +40,9 @@ Shows a screen over VNC and sends keys and touches back: the framebuffer of a de
 
 enum option_code { // beyond the letters
     o_port = 256,
+    o_web_port,
+    o_web_root,
+    o_no_web,
     o_listen,
     o_password_file,
     o_queue_path,
@@ -44,8 +50,11 @@ enum option_code { // beyond the letters
     o_version,
 };
 
-constexpr std::array<option, 7> k_options = {{
+constexpr std::array<option, 10> k_options = {{
     {"port", required_argument, nullptr, o_port},
+    {"web-port", required_argument, nullptr, o_web_port},
+    {"web-root", required_argument, nullptr, o_web_root},
+    {"no-web", no_argument, nullptr, o_no_web},
     {"listen", required_argument, nullptr, o_listen},
     {"password-file", required_argument, nullptr, o_password_file},
     {"queue-path", required_argument, nullptr, o_queue_path},
@@ -111,6 +120,17 @@ void apply(int code, const std::string &argument, view_request &request) {
     case o_port:
         request.port = read_port("port", argument);
         return;
+    case o_web_port:
+        request.web_port = read_port("web-port", argument);
+        request.web_wanted = true;
+        return;
+    case o_web_root:
+        request.web_root = read_path("web-root", argument);
+        request.web_wanted = true;
+        return;
+    case o_no_web:
+        request.web_root.clear();
+        return;
     case o_listen:
         return add_address(argument, request);
     case o_password_file:
@@ -158,7 +178,7 @@ view_command parse_view_command(int argc, char **argv) {
         case '?':
             refuse(std::string("unknown option or stray argument in '") + argv[optind - 1] + "'");
         default:
-            apply(code, optarg, request);
+            apply(code, optarg == nullptr ? "" : optarg, request);
         }
     }
 }

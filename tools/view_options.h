@@ -14,6 +14,9 @@ struct view_request {
     std::vector<std::string> addresses; // to listen at, at most two; empty = both loopbacks
     std::string password;               // empty = none is asked for
     int port = 5900;                    // of VNC and of the page's WebSocket; 0 = any free one
+    int web_port = 5800;                // of the browser page; 0 = any free one
+    std::string web_root = "/usr/share/novnc"; // the page's files; empty = no page
+    bool web_wanted = false; // asked for: it is an error when the page is not there
 };
 
 // Either a request or only a text for standard output.

@@ -67,6 +67,8 @@ view_server::view_server(frame_source &source, view_input &input, std::vector<li
 }
 
 view_server::~view_server() {
+    m_screen->listenSock = RFB_INVALID_SOCKET; // both are closed by their owners
+    m_screen->listen6Sock = RFB_INVALID_SOCKET;
     rfbShutdownServer(m_screen, TRUE);
     m_screen->frameBuffer = nullptr; // not the library's
     rfbScreenCleanup(m_screen);

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""ux-view as its viewers see it: a small VNC client of its own compares what arrives with the
+"""ux-view as its viewers see it: a small VNC client compares what arrives with the
 screen's memory, and what it sends with the message queue."""
 
-import ctypes
+import base64
+import hashlib
 import mmap
 import os
 import re
@@ -17,141 +18,10 @@ import time
 import unittest
 from pathlib import Path
 
+from view_support import LIMIT_S, Client, Program, Queue, eventually
+
 SIMULATOR, VIEWER = "", ""  # the programs, from the command line
-LIMIT_S = 20
-LIBC = ctypes.CDLL(None, use_errno=True)
-IPC_CREAT, IPC_EXCL, IPC_RMID, IPC_NOWAIT = 0o1000, 0o2000, 0, 0o4000
-QUEUE_PROJECT = 40
 XK_DOWN, XK_OK, XK_F5 = 0xFF54, 0xFF0D, 0xFFC2
-
-
-def eventually(condition):
-    deadline = time.monotonic() + LIMIT_S
-    while time.monotonic() < deadline:
-        result = condition()
-        if result:
-            return result
-        time.sleep(0.01)
-    raise AssertionError("it never came true")
-
-
-class Program:
-    """A program whose output lines can be waited for; killed at the end if need be."""
-
-    def __init__(self, folder, *words):
-        self.out_path = tempfile.mktemp(dir=folder)
-        self.err_path = tempfile.mktemp(dir=folder)
-        with open(self.out_path, "wb") as out, open(self.err_path, "wb") as err:
-            self.process = subprocess.Popen(words, stdout=out, stderr=err,
-                                            stdin=subprocess.DEVNULL)
-
-    def out(self):
-        return Path(self.out_path).read_text()
-
-    def err(self):
-        return Path(self.err_path).read_text()
-
-    def find(self, pattern, where):
-        def look():
-            found = re.search(pattern, where())
-            if not found and self.process.poll() is not None:
-                raise AssertionError(f"ended without {pattern}: {self.out()}{self.err()}")
-            return found
-        return eventually(look).group(1)
-
-    def end(self):
-        if self.process.poll() is None:
-            self.process.terminate()
-            try:
-                self.process.wait(LIMIT_S)
-            except subprocess.TimeoutExpired:
-                self.process.kill()
-                self.process.wait()
-
-
-class Queue:
-    """A message queue named by a folder, as a host makes it."""
-
-    def __init__(self, folder):
-        self.id = LIBC.msgget(LIBC.ftok(folder.encode(), QUEUE_PROJECT),
-                              IPC_CREAT | IPC_EXCL | 0o600)
-        assert self.id != -1
-
-    def receive(self):
-        buffer = ctypes.create_string_buffer(8 + 276)
-        size = eventually(lambda: max(0, LIBC.msgrcv(self.id, buffer, 276, 0, IPC_NOWAIT)))
-        assert size == 16, size
-        return struct.unpack_from("=iiii", buffer, 8)
-
-    def is_empty(self):
-        buffer = ctypes.create_string_buffer(8 + 276)
-        return LIBC.msgrcv(self.id, buffer, 276, 0, IPC_NOWAIT) == -1
-
-    def remove(self):
-        LIBC.msgctl(self.id, IPC_RMID, None)
-
-
-class Client:
-    """The least of a VNC viewer: no security, raw pixels."""
-
-    def __init__(self, address, port):
-        self.socket = socket.create_connection((address, port), LIMIT_S)
-        self.version = self.read(12)
-        self.send(b"RFB 003.008\n")
-        self.security = self.read(self.read(1)[0])
-
-    def start(self):
-        self.send(b"\x01")
-        assert self.unpack(">I") == (0,)
-        self.send(b"\x01")
-        self.width, self.height = self.unpack(">HH")
-        self.format = self.unpack(">BBBBHHHBBBxxx")
-        self.name = self.read(self.unpack(">I")[0]).decode()
-        self.send(struct.pack(">BxHi", 2, 1, 0))
-        return self
-
-    def read(self, size):
-        result = b""
-        while len(result) < size:
-            part = self.socket.recv(size - len(result))
-            if not part:
-                raise EOFError
-            result += part
-        return result
-
-    def unpack(self, form):
-        return struct.unpack(form, self.read(struct.calcsize(form)))
-
-    def send(self, data):
-        self.socket.sendall(data)
-
-    def key(self, symbol):
-        for down in (1, 0):
-            self.send(struct.pack(">BBxxI", 4, down, symbol))
-
-    def pointer(self, buttons, x, y):
-        self.send(struct.pack(">BBHH", 5, buttons, x, y))
-
-    def update(self, incremental):
-        """One update: the rows it told, as {(x, y, width): bytes}."""
-        self.send(struct.pack(">BBHHHH", 3, incremental, 0, 0, self.width, self.height))
-        kind, count = self.unpack(">BxH")
-        assert kind == 0, kind
-        rows = {}
-        for _ in range(count):
-            x, y, width, height, encoding = self.unpack(">HHHHi")
-            assert encoding == 0, encoding
-            for row in range(y, y + height):
-                rows[(x, row, width)] = self.read(width * self.format[0] // 8)
-        return rows
-
-    def picture(self):
-        rows = self.update(0)
-        assert sorted(rows) == [(0, row, self.width) for row in range(self.height)]
-        return b"".join(rows[(0, row, self.width)] for row in range(self.height))
-
-    def close(self):
-        self.socket.close()
 
 
 class ViewTest(unittest.TestCase):
@@ -180,7 +50,8 @@ class ViewTest(unittest.TestCase):
         return folder
 
     def view(self, *words):
-        viewer = self.run_program(VIEWER, "--port", "0", *words)
+        viewer = self.run_program(VIEWER, "--port", "0", *(words if "--web-root" in words
+                                                           else ("--no-web", *words)))
         self.port = int(viewer.find(r"vnc \S+:(\d+)\n", viewer.out))
         return viewer
 
@@ -213,7 +84,8 @@ class Pictures(ViewTest):
         """The viewer itself is the simulated host: /dev/fb0 is the simulator's."""
         for form in ("argb8888", "rgb565"):
             with self.subTest(form):
-                self.simulate("50x30", form, VIEWER, "--port", "0", "/dev/fb0")
+                self.simulate("50x30", form, VIEWER, "--no-web", "--port", "0",
+                              "/dev/fb0")
                 self.port = int(self.simulator.find(r"vnc \S+:(\d+)\n", self.simulator.out))
                 client = self.connect().start()
                 self.assertEqual(client.name, "/dev/fb0")
@@ -346,7 +218,7 @@ class Addresses(ViewTest):
         folder = self.simulate("32x16", "argb8888")
         with socket.create_server(("127.0.0.1", 0)) as other:
             port = other.getsockname()[1]
-            self.assertEqual(self.refusal("--port", str(port), folder), (
+            self.assertEqual(self.refusal("--no-web", "--port", str(port), folder), (
                 1, f"ux-view: cannot listen at 127.0.0.1:{port}: Address already in use\n"))
 
 
@@ -430,6 +302,100 @@ class Ends(ViewTest):
             self.assertEqual(viewer.process.wait(LIMIT_S), 128 + number)
 
 
+class Web(ViewTest):
+    def setUp(self):
+        super().setUp()
+        self.root = Path(self.folder.name, "root")
+        (self.root / "core").mkdir(parents=True)
+        (self.root / "vnc.html").write_text("<p>the page</p>")
+        (self.root / "core" / "rfb.js").write_bytes(b"x" * 3000000)
+        (self.root / ".hidden").write_text("secret")
+        Path(self.folder.name, "outside").write_text("secret")
+        self.viewer = self.view("--web-port", "0", "--web-root", str(self.root),
+                                self.simulate("32x16", "argb8888"))
+        self.web_port = int(self.viewer.find(r"web http://127\.0\.0\.1:(\d+)/\n",
+                                             self.viewer.out))
+
+    def ask(self, text, address="127.0.0.1"):
+        """The status, the head and the body of what is answered."""
+        with socket.create_connection((address, self.web_port), LIMIT_S) as connection:
+            connection.sendall(text)
+            answer = b""
+            while part := connection.recv(65536):
+                answer += part
+        head, body = answer.split(b"\r\n\r\n", 1)
+        return int(head.split()[1]), head.decode(), body
+
+    def get(self, target, address="127.0.0.1"):
+        return self.ask(b"GET " + target + b" HTTP/1.1\r\nHost: x\r\n\r\n", address)
+
+    def test_files_of_the_page_are_served_on_both_loopbacks(self):
+        for address in ("127.0.0.1", "::1"):
+            status, head, body = self.get(b"/vnc.html?port=1", address)
+            self.assertEqual((status, body), (200, b"<p>the page</p>"))
+            self.assertIn("\r\nContent-Type: text/html; charset=utf-8\r\n", head)
+        status, head, body = self.get(b"/core/rfb.js")
+        self.assertEqual((status, body), (200, b"x" * 3000000))
+        self.assertIn("\r\nContent-Type: text/javascript; charset=utf-8\r\n", head)
+        status, head, body = self.ask(b"HEAD /vnc.html HTTP/1.1\r\n\r\n")
+        self.assertEqual((status, body), (200, b""))
+        self.assertIn("\r\nContent-Length: 15\r\n", head)
+
+    def test_the_root_leads_to_the_page_that_connects(self):
+        status, head, _ = self.get(b"/")
+        self.assertEqual(status, 302)
+        self.assertIn(f"\r\nLocation: /vnc.html?autoconnect=1&resize=scale&port={self.port}\r\n",
+                      head + "\r\n")
+
+    def test_nothing_outside_the_folder_is_served(self):
+        for target in (b"/../outside", b"/core/../../outside", b"/%2e%2e/outside", b"/.hidden",
+                       b"//../outside", b"outside", b"/core", b"/core/", b"/nothing", b"/\xff"):
+            self.assertEqual(self.get(target)[0], 404, target)
+
+    def test_other_requests_are_refused(self):
+        self.assertEqual(self.ask(b"POST / HTTP/1.1\r\n\r\n")[0], 405)
+        self.assertEqual(self.ask(b"\r\n\r\n")[0], 400)
+        self.assertEqual(self.ask(b"GET /\r\n\r\n")[0], 400)
+        self.assertEqual(self.ask(b"x" * 20480)[0], 431)
+
+    def test_silent_connections_hold_up_nobody(self):
+        silent = [socket.create_connection(("127.0.0.1", self.web_port), LIMIT_S)
+                  for _ in range(8)]
+        begun = time.monotonic()
+        self.assertEqual(self.get(b"/vnc.html")[0], 200)
+        self.assertLess(time.monotonic() - begun, 5)
+        for connection in silent:
+            connection.close()
+
+    def test_a_websocket_at_the_vnc_port_speaks_vnc(self):
+        key = base64.b64encode(bytes(range(16)))
+        with socket.create_connection(("127.0.0.1", self.port), LIMIT_S) as connection:
+            connection.sendall(b"GET /websockify HTTP/1.1\r\nHost: localhost\r\n"
+                               b"Origin: http://localhost\r\n"
+                               b"Upgrade: websocket\r\nConnection: Upgrade\r\n"
+                               b"Sec-WebSocket-Key: " + key + b"\r\n"
+                               b"Sec-WebSocket-Version: 13\r\n"
+                               b"Sec-WebSocket-Protocol: binary\r\n\r\n")
+            answer = b""
+            while not answer.endswith(b"RFB 003.008\n"):
+                part = connection.recv(4096)
+                self.assertTrue(part, answer)
+                answer += part
+        accepted = base64.b64encode(hashlib.sha1(
+            key + b"258EAFA5-E914-47DA-95CA-C5AB0DC85B11").digest())
+        head, frame = answer.split(b"\r\n\r\n", 1)
+        self.assertTrue(head.startswith(b"HTTP/1.1 101"), head)
+        self.assertIn(b"Sec-WebSocket-Accept: " + accepted, head)
+        self.assertEqual(frame, b"\x82\x0cRFB 003.008\n")  # one binary frame
+
+    def test_a_missing_page_is_an_error_when_asked_for(self):
+        empty = tempfile.mkdtemp(dir=self.folder.name)
+        self.assertEqual(
+            self.refusal("--port", "0", "--web-root", empty,
+                         self.viewer.process.args[-1]),
+            (1, f"ux-view: no browser page: there is no {empty}/vnc.html (package novnc)\n"))
+
+
 class Speed(ViewTest):
     def cpu_seconds(self, process):
         fields = Path(f"/proc/{process.pid}/stat").read_text().rsplit(")", 1)[1].split()
@@ -457,6 +423,18 @@ class Hostile(ViewTest):
                 other.sendall(garbage)
         self.assertEqual(self.connect().start().picture(), self.memory[:])
         self.assertIsNone(viewer.process.poll())
+
+    def test_viewers_that_do_not_read_or_stop_in_a_message_are_dropped(self):
+        viewer = self.view(self.simulate("1280x720", "argb8888"))
+        deaf = self.connect().start()
+        for _ in range(8):  # more than the sockets hold
+            deaf.send(struct.pack(">BBHHHH", 3, 0, 0, 0, 1280, 720))
+        halting = self.connect().start()
+        halting.send(b"\x04")
+        self.assertEqual(self.connect().start().picture(), self.memory[:])
+        self.assertIsNone(viewer.process.poll())
+        with self.assertRaises((EOFError, ConnectionError)):
+            halting.read(1)
 
 
 if __name__ == "__main__":
