@@ -36,7 +36,7 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
   --virtual-time       let the host's time jump to whatever it waits for
   --date DATE          virtual time begins at DATE, YYYY-MM-DD[THH:MM[:SS]] (default 2025-01-01)
   --stall SECONDS      fail when virtual time stands still for so long (default 10)
-  --verbose            tell the queue's path and the shots written
+  --verbose            tell the queue's path, the folder for ux-view, the shots written
   --help, --version
 
 Script verbs, one a line; '#' starts a comment:

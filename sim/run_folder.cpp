@@ -3,6 +3,7 @@
 #include "sim/run_folder.h"
 
 #include "sim/failure.h"
+#include "sim/screen_note.h"
 
 #include <array>
 #include <cstdio>
@@ -47,7 +48,8 @@ std::string make_folder(const std::string &base) {
 }
 
 void remove_files(int folder) {
-    for (const char *name : {k_pipe, k_preload, k_new_lock, k_lock}) {
+    for (const char *name :
+         {k_pipe, k_preload, k_screen_note, k_new_screen_note, k_new_lock, k_lock}) {
         unlinkat(folder, name, 0);
     }
 }

@@ -11,6 +11,7 @@
 #include "sim/recorder.h"
 #include "sim/run_folder.h"
 #include "sim/screen.h"
+#include "sim/screen_note.h"
 #include "sim/virtual_clock.h"
 
 #include <algorithm>
@@ -81,11 +82,6 @@ void tell(const options &run, const std::string &text) {
     }
 }
 
-std::string shape_text(const screen_shape &shape) {
-    return std::to_string(shape.width) + "x" + std::to_string(shape.height) + "x" +
-           std::to_string(shape.bytes_per_pixel() * 8);
-}
-
 std::string absolute_folder(const std::string &path) {
     std::error_code error;
     std::filesystem::path result = std::filesystem::canonical(path, error);
@@ -132,7 +128,12 @@ class runner {
         if (!run.record.empty()) {
             m_recorder.emplace(run.record, m_folder.queue());
         }
+        write_screen_note(m_folder.path(), {.shape = run.shape,
+                                            .memory = m_screen.path(),
+                                            .process = getpid(),
+                                            .queue_path = m_folder.queue_path()});
         tell(run, "queue path " + m_folder.queue_path());
+        tell(run, "for ux-view " + m_folder.path());
         host_setup setup = setup_for(run, m_folder, m_screen, m_clock);
         setup.variables.emplace_back("UX_SIM_RECORD", m_recorder ? m_recorder->path() : "");
         m_begun = now();

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -324,12 +325,15 @@ TEST_F(run_test, a_shot_that_cannot_be_written_is_a_failure) {
     EXPECT_EQ(folder.names(), (words{"file", "taken.png"}));
 }
 
-TEST_F(run_test, verbose_tells_queue_path_and_shots) {
+TEST_F(run_test, verbose_tells_queue_path_folder_and_shots) {
     temp_folder queue;
     play("shot a.png\n", {FB_HOST}, {"--verbose", "--queue-path", queue.path()});
     EXPECT_EQ(m_status, 0);
-    EXPECT_EQ(m_err,
-              "ux-sim: queue path " + queue.path() + "\nux-sim: shot " + m_shots / "a.png" + "\n");
+    const std::string first = "ux-sim: queue path " + queue.path() + "\nux-sim: for ux-view /";
+    const std::string last = "\nux-sim: shot " + m_shots / "a.png" + "\n";
+    EXPECT_TRUE(m_err.starts_with(first)) << m_err;
+    EXPECT_TRUE(m_err.ends_with(last)) << m_err;
+    EXPECT_EQ(std::ranges::count(m_err, '\n'), 3);
 }
 
 TEST_F(run_test, a_signal_ends_host_folder_and_queue) {
