@@ -803,10 +803,10 @@ UX_API size_t ux_text_from_utf8(char16_t *out, size_t capacity, const char *utf8
  * same time in two threads: setting a variable that does not exist yet moves the list that the
  * other thread is reading. These rules leave no race:
  *
- * 1. Before the first thread is started, and ux_system_init() starts two, set all four variables,
- *    and "FontSize", with setenv(3): to the longest value each will have. A flag is set to a value
- *    that is one byte away from the one that stops, "-ES" for "YES". Keep the pointer that
- *    getenv(3) gives for each.
+ * 1. Before the first thread is started, and ux_screen_main_loop() starts two, set all four
+ *    variables, and "FontSize", with setenv(3): to the longest value each will have. A flag is set
+ *    to a value that is one byte away from the one that stops, "-ES" for "YES". Keep the pointer
+ *    that getenv(3) gives for each.
  * 2. From then on nobody calls setenv(3), putenv(3) or unsetenv(3). The host raises or lowers a
  * flag by storing that one byte through the pointer, as an atomic store (C11: through a volatile
  *    _Atomic(char) pointer; C++20: std::atomic_ref<char>). The ticker loads every byte atomically

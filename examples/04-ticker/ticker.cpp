@@ -297,7 +297,7 @@ int main() {
     if (!s_player.news.make())
         return EXIT_FAILURE;
     s_player.news.publish(k_editions.front());
-    ux_system_init(); // starts threads: the environment stays as it is from here on
+    ux_system_init(); // threads come next: the environment stays as it is from here on
     build_page();
     ux_screen_show_all();
     build_note();
