@@ -364,6 +364,18 @@ TEST_F(ClockTest, free_releases_the_clock_and_not_a_background) {
     free(pixels);
 }
 
+TEST_F(ClockTest, clock_deleted_while_its_container_is_walked_is_passed_over) {
+    ux_clock *victim = make();
+    ux_text_label_new(root(), 0, 0, 1, 1, u"");
+    const auto remove_victim = [](ux_event *event) {
+        auto *clock = static_cast<ux_clock *>(event->data);
+        ux_container_del_obj(reinterpret_cast<ux_container *>(clock->obj.parent), &clock->obj, 0,
+                             0);
+        return 1;
+    };
+    EXPECT_EQ(ux_container_scan(root(), remove_victim, victim), 1) << "the label alone";
+}
+
 // The sanitizer sees what is touched after its release.
 TEST_F(ClockTest, clock_freed_in_its_tick_is_not_touched_again) {
     ux_clock *clock = make_noting();
