@@ -1617,7 +1617,8 @@ UX_API int ux_memo_free(ux_obj *memo) UX_NOEXCEPT;
  * first and the new one into `buf` only: where `buf` and `fb` are apart, the screen is one advance
  * behind.
  *
- * A clock may be hidden, shown and freed in its own handlers. It takes no focus. */
+ * A clock may be hidden, shown and freed in its own handlers; shown in its sync handler it does not
+ * call that one again. It takes no focus. */
 typedef struct ux_clock ux_clock;
 
 /* Asks a host for the true time. From ux_clock_show() a, b and c are the caller's values, else 0.
@@ -1684,7 +1685,8 @@ UX_API int ux_clock_paint(ux_obj *clock) UX_NOEXCEPT;
 /* What the clock's timeout calls, with the clock as the event's data. Returns 0. */
 UX_API int ux_clock_update(ux_event *ev) UX_NOEXCEPT;
 
-/* Stops the clock and releases it. Does not unlink it. Returns 0. */
+/* Stops the clock and releases it, its pictures too, not a background copy. Does not unlink it.
+ * Returns 0. */
 UX_API int ux_clock_free(ux_obj *clock) UX_NOEXCEPT;
 
 /* ============================================================================================== */

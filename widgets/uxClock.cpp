@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The analogue clock: a polling timeout that advances it, the handlers of the host, face and hands.
 
+#include "core/child_walk.h"
 #include "core/save_area.h"
 #include "widgets/clock_hands.h"
 #include "widgets/widget_kit.h"
@@ -22,10 +23,12 @@ constexpr int k_hours = 24;   // of a day
 constexpr char k_no_memory[] = "Not enough memory space for clock!\n";
 constexpr char k_init_error[] = "init error for clock!\n";
 
-// Knows whether a clock still exists after a handler of the host's has run.
+enum class host_handler { sync, tick };
+
+// Lasts while a handler of the host's runs, and knows whether the clock still exists after it.
 class clock_watch {
   public:
-    explicit clock_watch(const ux_clock *clock);
+    clock_watch(const ux_clock *clock, host_handler handler);
     ~clock_watch();
     clock_watch(const clock_watch &) = delete;
     clock_watch &operator=(const clock_watch &) = delete;
@@ -35,9 +38,13 @@ class clock_watch {
     // Tells all watches that `clock` is about to be released.
     static void forget(const ux_clock *clock);
 
+    // Whether the clock's sync handler is running.
+    static bool is_asking(const ux_clock *clock);
+
   private:
     const ux_clock *m_clock; // null once it was released
-    clock_watch *m_outer;    // the watch that this one began inside of
+    host_handler m_handler;
+    clock_watch *m_outer; // the watch that this one began inside of
 };
 
 struct watch_state {
@@ -46,7 +53,8 @@ struct watch_state {
 
 watch_state s_watches;
 
-clock_watch::clock_watch(const ux_clock *clock) : m_clock(clock), m_outer(s_watches.innermost) {
+clock_watch::clock_watch(const ux_clock *clock, host_handler handler)
+    : m_clock(clock), m_handler(handler), m_outer(s_watches.innermost) {
     s_watches.innermost = this;
 }
 
@@ -58,6 +66,13 @@ void clock_watch::forget(const ux_clock *clock) {
     for (clock_watch *watch = s_watches.innermost; watch; watch = watch->m_outer)
         if (watch->m_clock == clock)
             watch->m_clock = nullptr;
+}
+
+bool clock_watch::is_asking(const ux_clock *clock) {
+    for (const clock_watch *watch = s_watches.innermost; watch; watch = watch->m_outer)
+        if (watch->m_clock == clock && watch->m_handler == host_handler::sync)
+            return true;
+    return false;
 }
 
 // Whether the hands stay inside the clock.
@@ -108,11 +123,13 @@ void stop_timeout(ux_clock *clock) {
     ux_delete_timeout(id);
 }
 
-// Asks the host for the time, after which the clock may be gone, and starts the countdown anew.
+// Asks the host for the time, after which the clock may be gone, and starts the countdown anew. A
+// sync handler that shows its own clock is not asked from inside itself, which would have no end.
 // Returns whether the clock still exists.
 bool synchronise(ux_clock *clock, intptr_t a, intptr_t b, intptr_t c) {
-    const clock_watch watch(clock);
-    if (clock->state->sync_handler)
+    const bool asks_already = clock_watch::is_asking(clock);
+    const clock_watch watch(clock, host_handler::sync);
+    if (clock->state->sync_handler && !asks_already)
         clock->state->sync_handler(clock, a, b, c);
     if (watch.clock_exists())
         clock->state->sync_countdown = clock->sync_period;
@@ -146,7 +163,7 @@ bool advance(ux_clock *clock, time_t now) {
         return false;
     count_second(clock);
     ux_clock_paint(&clock->obj);
-    const clock_watch watch(clock);
+    const clock_watch watch(clock, host_handler::tick);
     if (state->tick_handler)
         state->tick_handler(clock, clock->hours, clock->minutes, clock->seconds);
     return watch.clock_exists();
@@ -279,6 +296,8 @@ int ux_clock_free(ux_obj *obj) noexcept {
     auto *clock = ux::as<ux_clock>(obj);
     ux::clock_watch::forget(clock);
     ux::stop_timeout(clock);
+    ux::child_walk::forget(obj);
     ux::free_state(clock->state);
-    return ux_obj_free(obj);
+    free(obj);
+    return 0;
 }

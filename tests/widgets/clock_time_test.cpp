@@ -279,6 +279,52 @@ TEST_F(ClockTest, clock_hidden_by_its_sync_handler_counts_and_tells_and_stops) {
     EXPECT_EQ(pending(), 0);
 }
 
+// The handler would be asked from inside itself for ever.
+TEST_F(ClockTest, clock_hidden_and_shown_in_its_sync_handler_is_asked_once) {
+    ux_clock *clock = make_noting();
+    clock->sync_period = 1;
+    s_script.on_sync = [](ux_clock *synced) {
+        ux_clock_hide(&synced->obj);
+        if (clock_tests::s_script.log.size() < 100)
+            ux_clock_show(&synced->obj, 7, 8, 9);
+    };
+    EXPECT_EQ(ux_clock_show(&clock->obj, 1, 2, 3), 0);
+    EXPECT_EQ(take_log(), log{"sync 1 2 3"});
+    EXPECT_TRUE(clock->obj.status & UX_ST_VISIBLE);
+    EXPECT_EQ(pending(), 1);
+    pass(2);
+    EXPECT_EQ(take_log(), (log{"sync 0 0 0", "tick 0:0:1"}));
+    EXPECT_EQ(pending(), 1);
+    EXPECT_EQ(ux_timeout_list->id, clock->state->timeout_id);
+}
+
+TEST_F(ClockTest, clock_shown_by_the_sync_handler_of_another_is_asked_too) {
+    ux_clock *clock = make_noting();
+    ux_clock *other = make_noting();
+    s_script.on_sync = [other](ux_clock *) { ux_clock_show(&other->obj, 7, 8, 9); };
+    ux_clock_show(&clock->obj, 1, 2, 3);
+    EXPECT_EQ(take_log(), (log{"sync 1 2 3", "sync 7 8 9"}));
+    EXPECT_EQ(pending(), 2);
+}
+
+// A show asks first, then becomes visible and reads the time; an advance has read it before.
+TEST_F(ClockTest, seconds_spent_in_the_sync_handler_count_for_an_advance_and_not_for_a_show) {
+    ux_clock *clock = make_noting();
+    clock->sync_period = 1;
+    uint32_t status = UX_ST_VISIBLE;
+    s_script.on_sync = [&status](ux_clock *synced) {
+        status = synced->obj.status;
+        hooks::get().now.tv_sec += 5;
+    };
+    ux_clock_show(&clock->obj, 0, 0, 0);
+    EXPECT_EQ(status, 0u) << "still hidden";
+    EXPECT_EQ(clock->state->last_advance, 1005);
+    pass(2);
+    EXPECT_EQ(status, static_cast<uint32_t>(UX_ST_VISIBLE));
+    EXPECT_EQ(clock->state->last_advance, 1007);
+    EXPECT_EQ(hooks::get().now.tv_sec, 1012);
+}
+
 TEST_F(ClockTest, update_called_by_a_host_leaves_one_timeout) {
     ux_clock *clock = make();
     ux_clock_show(&clock->obj, 0, 0, 0);
@@ -305,6 +351,29 @@ TEST_F(ClockTest, clock_freed_while_its_timeout_is_pending_takes_it_along) {
     take_log();
     pass(10);
     EXPECT_EQ(take_log(), log{});
+}
+
+// A background copy would be the host's own doing; the sanitizer sees the rest go.
+TEST_F(ClockTest, free_releases_the_clock_and_not_a_background) {
+    ux_clock *clock =
+        ux_clock_new(nullptr, 0, 0, 7, 7, 3, 3, 3, blue.c_str(), red.c_str(), nullptr);
+    void *pixels = malloc(7 * 7 * 4);
+    ux_obj_set_bg_buffer(&clock->obj, pixels);
+    EXPECT_EQ(clock->obj.free(&clock->obj), 0);
+    memset(pixels, 1, 7 * 7 * 4);
+    free(pixels);
+}
+
+TEST_F(ClockTest, clock_deleted_while_its_container_is_walked_is_passed_over) {
+    ux_clock *victim = make();
+    ux_text_label_new(root(), 0, 0, 1, 1, u"");
+    const auto remove_victim = [](ux_event *event) {
+        auto *clock = static_cast<ux_clock *>(event->data);
+        ux_container_del_obj(reinterpret_cast<ux_container *>(clock->obj.parent), &clock->obj, 0,
+                             0);
+        return 1;
+    };
+    EXPECT_EQ(ux_container_scan(root(), remove_victim, victim), 1) << "the label alone";
 }
 
 // The sanitizer sees what is touched after its release.

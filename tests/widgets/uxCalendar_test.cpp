@@ -216,16 +216,22 @@ TEST_F(CalendarTest, missing_picture_is_reported_for_every_day_and_the_numbers_s
               "1JANUARY200912345678910111213141516171819202122232425262728293031");
 }
 
-TEST_F(CalendarTest, broken_picture_is_survived) {
+TEST_F(CalendarTest, broken_picture_is_survived_and_traced_for_every_day) {
     ux_calendar *calendar = make();
+    const auto traced = [this](const std::string &printed) {
+        int count = 0;
+        for (size_t at = 0; (at = printed.find(trace(1), at)) != std::string::npos; at++)
+            count++;
+        return count;
+    };
     std::vector<uint8_t> bytes = folder.read_bytes("black.png");
     for (size_t length : {size_t{0}, size_t{20}, bytes.size() / 2, bytes.size() - 13}) {
         folder.write_bytes("black.png", {bytes.begin(), bytes.begin() + long(length)});
-        shown(calendar);
+        EXPECT_EQ(traced(shown(calendar)), 31) << length;
     }
     bytes[bytes.size() / 2] ^= 0xFF;
     folder.write_bytes("black.png", bytes);
-    shown(calendar);
+    EXPECT_EQ(traced(shown(calendar)), 31);
 }
 
 // With too little memory for the first cell the second one decodes the picture, as each day would.
@@ -270,6 +276,17 @@ TEST_F(CalendarTest, sizes_too_small_for_the_layout_are_survived) {
             shown(calendar);
             ux_calendar_hide(&calendar->obj);
         }
+}
+
+// The division is toward zero, the rounding to an even number downwards. At -31 pixels
+// -209 / 7 - 3 = -32, and Saturdays are at 178 - 6 * 29 = 4; at -32, -210 / 7 - 3 = -33 becomes -34
+// and puts them at 178 - 6 * 31, where the month's 5 are not traced.
+TEST_F(CalendarTest, negative_cell_widths_are_rounded_down_to_even_ones) {
+    ux_calendar *calendar = make();
+    calendar->obj.width = -31;
+    EXPECT_EQ(shown(calendar, 2009, 1), trace(31));
+    calendar->obj.width = -32;
+    EXPECT_EQ(shown(calendar, 2009, 1), trace(26));
 }
 
 TEST_F(CalendarTest, sizes_beyond_the_screen_are_survived_and_cells_outside_print_nothing) {
