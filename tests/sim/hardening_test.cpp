@@ -120,8 +120,11 @@ TEST_P(killed, one_of_two_runs_leaves_the_other_alone) {
     const pid_t host = host_of(one, m_runtime);
     program other(command({}), m_environment);
     ASSERT_TRUE(eventually([&] { return other.children().size() == 1; }));
+    const pid_t other_host = other.children().at(0);
     other.signal(SIGKILL);
     EXPECT_EQ(other.wait(), 128 + SIGKILL);
+    // A child that has not become the host yet still holds the run's lock.
+    EXPECT_TRUE(eventually([&] { return !is_alive(other_host); }));
     program next({UX_SIM, "--headless", "--", "true"}, m_environment);
     EXPECT_EQ(next.wait(), 0);
     EXPECT_TRUE(is_alive(host));
