@@ -25,6 +25,7 @@
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace event_tests {
 
@@ -121,9 +122,7 @@ class EventTest : public ::testing::Test {
     void SetUp() override {
         m_umask = umask(022);
         hooks::reset();
-        char name[] = "/tmp/ux-event-test-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        m_folder = name;
+        make_folder();
         hooks::get().pipe_path = pipe_path();
         hooks::get().queue_path = m_folder;
         ux::front = 0;
@@ -141,6 +140,21 @@ class EventTest : public ::testing::Test {
         hooks::reset();
         std::filesystem::remove_all(m_folder);
         umask(m_umask);
+    }
+
+    // A queue's key holds 16 bits of its folder's inode: another program's queue may have the same.
+    void make_folder() {
+        std::vector<std::string> taken;
+        for (int attempt = 0; attempt < 100; attempt++) {
+            char name[] = "/tmp/ux-event-test-XXXXXX";
+            ASSERT_NE(mkdtemp(name), nullptr);
+            m_folder = name;
+            if (queue() < 0)
+                break;
+            taken.push_back(m_folder);
+        }
+        for (const std::string &folder : taken)
+            std::filesystem::remove_all(folder);
     }
 
     // gtest tells failures on the standard output: they come out when the capture ends.
