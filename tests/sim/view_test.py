@@ -221,6 +221,18 @@ class Addresses(ViewTest):
             self.assertEqual(self.refusal("--no-web", "--port", str(port), folder), (
                 1, f"ux-view: cannot listen at 127.0.0.1:{port}: Address already in use\n"))
 
+    def test_without_a_port_the_next_free_one_from_5900_on_is_taken(self):
+        folder = self.simulate("32x16", "argb8888")
+        ports = []
+        for _ in range(2):
+            viewer = self.run_program(VIEWER, "--no-web", folder)
+            served = re.findall(r"vnc (\S+):(\d+)\n", viewer.find(
+                r"((?:vnc \S+\n){2})", viewer.out))
+            self.assertEqual([address for address, _ in served], ["127.0.0.1", "[::1]"])
+            self.assertEqual(served[0][1], served[1][1])
+            ports.append(int(served[0][1]))
+        self.assertTrue(5900 <= ports[0] < ports[1] <= 5999, ports)
+
 
 def encrypted(challenge, password):
     """The challenge by DES, the key's bytes with their bits in reverse order."""
@@ -341,11 +353,14 @@ class Web(ViewTest):
         self.assertEqual((status, body), (200, b""))
         self.assertIn("\r\nContent-Length: 15\r\n", head)
 
-    def test_the_root_leads_to_the_page_that_connects(self):
-        status, head, _ = self.get(b"/")
-        self.assertEqual(status, 302)
-        self.assertIn(f"\r\nLocation: /vnc.html?autoconnect=1&resize=scale&port={self.port}\r\n",
-                      head + "\r\n")
+    def test_the_root_is_the_page_that_connects(self):
+        for target in (b"/", b"/?anything"):
+            status, head, body = self.get(target)
+            self.assertEqual(status, 200)
+            self.assertIn("\r\nContent-Type: text/html; charset=utf-8\r\n", head)
+            self.assertIn(f'<meta name="vnc-port" content="{self.port}">'.encode(), body)
+            self.assertIn(b"from './core/rfb.js'", body)
+            self.assertTrue(body.endswith(b"</html>\n"))
 
     def test_nothing_outside_the_folder_is_served(self):
         for target in (b"/../outside", b"/core/../../outside", b"/%2e%2e/outside", b"/.hidden",
@@ -393,7 +408,7 @@ class Web(ViewTest):
         self.assertEqual(
             self.refusal("--port", "0", "--web-root", empty,
                          self.viewer.process.args[-1]),
-            (1, f"ux-view: no browser page: there is no {empty}/vnc.html (package novnc)\n"))
+            (1, f"ux-view: no browser page: there is no {empty}/core/rfb.js (package novnc)\n"))
 
 
 class Speed(ViewTest):
