@@ -49,8 +49,9 @@ class Run:
 
     def __init__(self, test, runtime, host=None):
         folder = test.enterContext(tempfile.TemporaryDirectory(prefix="ux-web-test."))
-        # No run may ask for this display. It leads a process group, as one started by a shell.
-        self.program = Program(folder, "setsid", "env", "DISPLAY=:9999",
+        # No run may open a window: there is no such display. Each leads a process group, as one
+        # started by a shell.
+        self.program = Program(folder, "setsid", "env", "DISPLAY=:9999", "SDL_VIDEODRIVER=x11",
                                f"XDG_RUNTIME_DIR={runtime}", SIMULATOR, "--verbose", "--root",
                                DEVICE, "--web", "--", *(host or (PLAYER,)))
         test.addCleanup(self.program.end)
