@@ -221,18 +221,6 @@ class Addresses(ViewTest):
             self.assertEqual(self.refusal("--no-web", "--port", str(port), folder), (
                 1, f"ux-view: cannot listen at 127.0.0.1:{port}: Address already in use\n"))
 
-    def test_without_a_port_the_next_free_one_from_5900_on_is_taken(self):
-        folder = self.simulate("32x16", "argb8888")
-        ports = []
-        for _ in range(2):
-            viewer = self.run_program(VIEWER, "--no-web", folder)
-            served = re.findall(r"vnc (\S+):(\d+)\n", viewer.find(
-                r"((?:vnc \S+\n){2})", viewer.out))
-            self.assertEqual([address for address, _ in served], ["127.0.0.1", "[::1]"])
-            self.assertEqual(served[0][1], served[1][1])
-            ports.append(int(served[0][1]))
-        self.assertTrue(5900 <= ports[0] < ports[1] <= 5999, ports)
-
 
 def encrypted(challenge, password):
     """The challenge by DES, the key's bytes with their bits in reverse order."""
