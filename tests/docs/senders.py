@@ -14,7 +14,7 @@ import samples
 
 KEY = ["23"]  # OK
 TOUCH = ["200", "280"]  # in the middle of the button "Leave"
-PATIENCE_S = 20
+PATIENCE_S = 60
 
 
 def fenced(document, language):
