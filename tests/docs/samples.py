@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Every code sample of the documents compiles; complete programs link with the library. A script of
-the simulator is carried out on the program before it in the same document, if there is one."""
+the simulator is carried out on the program before it in the same document, if there is one, and its
+shots are compared with those of docs/images. With UX_GOLDEN_RENEW=1 in the environment they become
+those."""
 
 import argparse
 import os
@@ -86,10 +88,13 @@ class Checker:
     def uxs(self, code):
         """Without a host: the simulator looks at the whole script before it looks for one."""
         simulate = [self.arguments.simulator, "--headless", "--virtual-time", "--timeout", "60",
-                    "--shots", self.arguments.shots or self.folder / "shots",
                     "--script", self.keep("sample.uxs", code)]
         if self.program:
-            return self.run(*simulate, "--", self.program)
+            images = project.ROOT / "docs" / "images"
+            shots = ["--shots", images]
+            if os.environ.get("UX_GOLDEN_RENEW") != "1":
+                shots = ["--shots", self.folder / "shots", "--expect", images]
+            return self.run(*simulate, *shots, "--", self.program)
         return self.run(*simulate, "--", self.folder / "no-host",
                         fails=lambda status: status != 127)
 
@@ -118,7 +123,6 @@ def main():
     parser.add_argument("--cxx", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--library", type=Path, action="append", default=[])
-    parser.add_argument("--shots", type=Path, help="where scripts leave their shots")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="ux-samples-") as folder:
         count, complaints = check(Checker(arguments, Path(folder)))
