@@ -79,12 +79,12 @@ loaded_block load(const char *path, int width, int height, uint8_t alpha) {
         return {nullptr, false};
     }
     loaded_block block = {allocate_block(width, height), true};
-    if (!block.pixels)
-        printf("RMOpenBitmapFile %s BUF NULL on ux_load_image\n", path);
-    else if (!empty)
+    if (block.pixels && !empty)
         block.is_whole =
             RMBitmapToRaw(static_cast<uint8_t *>(block.pixels), &file) == UX_BITMAP_SUCCESS;
     RMCloseBitmapFile(&file);
+    if (!block.pixels)
+        printf("RMOpenBitmapFile %s BUF NULL on ux_load_image\n", path);
     return block;
 }
 

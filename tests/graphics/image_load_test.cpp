@@ -173,6 +173,28 @@ TEST_F(ImageLoadTest, no_memory_for_the_block_gives_null_and_the_buf_message) {
     }
 }
 
+TEST_F(ImageLoadTest, picture_is_closed_before_missing_memory_is_told) {
+    FILE *teller = fopencookie(nullptr, "w",
+                               {.read = nullptr,
+                                .write = [](void *, const char *, size_t count) -> ssize_t {
+                                    fake_chip::get().calls.emplace_back("told");
+                                    return static_cast<ssize_t>(count);
+                                },
+                                .seek = nullptr,
+                                .close = nullptr});
+    char line[256];
+    setvbuf(teller, line, _IOLBF, sizeof line);
+    std::swap(stdout, teller);
+    hooks::fail_allocation(1);
+    EXPECT_EQ(ux_load_image(two.c_str(), 2, 2), nullptr);
+    std::swap(stdout, teller);
+    fclose(teller);
+    const std::vector<std::string> &calls = fake_chip::get().calls;
+    ASSERT_GE(calls.size(), 2u);
+    EXPECT_EQ(calls[calls.size() - 2], "RMCloseFile");
+    EXPECT_EQ(calls.back(), "told");
+}
+
 TEST_F(ImageLoadTest, size_beyond_all_numbers_gives_null_and_the_buf_message) {
     EXPECT_EQ(printed([&] { EXPECT_EQ(ux_load_image(two.c_str(), INT_MAX, INT_MAX), nullptr); }),
               no_memory(two));
