@@ -158,6 +158,10 @@ int read_scaled(uint8_t *dest, RMJpegFile *jpeg) {
     return failed ? UX_BITMAP_FAILURE : UX_BITMAP_SUCCESS;
 }
 
+bool is_empty(const jpeg_decompress_struct &cinfo) {
+    return cinfo.image_width == 0 || cinfo.image_height == 0;
+}
+
 void report_size(const jpeg_decompress_struct &cinfo) {
     fprintf(stderr, "illegal image size: %d x %d pixel\n", static_cast<int>(cinfo.image_width),
             static_cast<int>(cinfo.image_height));
@@ -171,8 +175,8 @@ int open_jpeg_file(RMJpegFile *jpeg) {
     cinfo->err = jpeg_std_error(&jpeg->jerr);
     jpeg->jerr.error_exit = my_jpeg_error_exit;
     if (UX_LAND_ON_ERROR(cinfo)) {
-        // libjpeg finds an image without size itself, inside the header.
-        if (jpeg->jerr.msg_code == JERR_EMPTY_IMAGE)
+        // libjpeg finds an image without size itself, inside the header, as one without colours.
+        if (jpeg->jerr.msg_code == JERR_EMPTY_IMAGE && is_empty(*cinfo))
             report_size(*cinfo);
         return UX_BITMAP_FAILURE;
     }
@@ -181,7 +185,7 @@ int open_jpeg_file(RMJpegFile *jpeg) {
     jpeg_stdio_src_rm_file(cinfo, jpeg->file);
     jpeg_read_header(cinfo, TRUE);
     jpeg_calc_output_dimensions(cinfo);
-    const bool empty = cinfo->image_width == 0 || cinfo->image_height == 0;
+    const bool empty = is_empty(*cinfo);
     if (empty) {
         report_size(*cinfo);
         jpeg_destroy_decompress(cinfo);

@@ -89,6 +89,9 @@ void scale_rows(uint8_t *dest, RMPngFile *png, uint8_t *row, const nearest_colum
             png_read_row(png->png_ptr, row, nullptr);
         scale_row(pixels(out), pixels(row), columns);
     }
+    // libpng is not quiet about an end that comes before the last row.
+    for (; next < png->height; next++)
+        png_read_row(png->png_ptr, row, nullptr);
 }
 
 // Which columns of each eight `pass` brings, a bit each.
@@ -149,6 +152,7 @@ int read_scaled(uint8_t *dest, RMPngFile *png) {
         scale_rows(dest, png, row, columns);
     else
         scale_passes(dest, png, row);
+    png_read_end(png->png_ptr, nullptr);
     free(row);
     return UX_BITMAP_SUCCESS;
 }

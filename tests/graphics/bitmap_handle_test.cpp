@@ -8,6 +8,7 @@
 
 #include <array>
 #include <csetjmp>
+#include <cstring>
 
 namespace {
 
@@ -168,6 +169,26 @@ TEST_F(BitmapHandleTest, alpha_of_a_jpeg_is_in_every_pixel_of_any_size) {
     }
 }
 
+// The handle's memory may hold anything before.
+TEST_F(BitmapHandleTest, jpeg_object_has_the_readers_error_exit_and_no_client_data) {
+    RMBitmapFile file;
+    memset(&file, 0xA5, sizeof file);
+    open(file, m_jpeg);
+    EXPECT_EQ(file.jpeg.cinfo.client_data, nullptr);
+    EXPECT_EQ(file.jpeg.cinfo.err, &file.jpeg.jerr);
+    EXPECT_EQ(file.jpeg.jerr.error_exit, my_jpeg_error_exit);
+    EXPECT_EQ(RMCloseBitmapFile(&file), UX_BITMAP_SUCCESS);
+}
+
+// A frame header of 2 x 2 pixels and no components: libjpeg calls that an empty image, too.
+TEST_F(BitmapHandleTest, jpeg_without_components_is_not_told_to_have_an_illegal_size) {
+    folder.write_bytes("b.jpg", {0xFF, 0xD8, 0xFF, 0xC0, 0, 8, 8, 0, 2, 0, 2, 0, 0xFF, 0xD9});
+    RMBitmapFile file;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(RMOpenBitmapFile(folder.path("b.jpg").c_str(), &file, nullptr), UX_BITMAP_FAILURE);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 // The end marker is replaced by a broken table, which only the finish of libjpeg comes to.
 TEST_F(BitmapHandleTest, broken_end_of_a_jpeg_does_not_disturb_its_closing) {
     bytes picture = folder.read_bytes("a.jpg");
@@ -222,6 +243,27 @@ TEST_F(BitmapHandleTest, png_that_does_not_open_leaves_its_file_to_the_caller) {
     EXPECT_EQ(png.info_ptr, nullptr);
     EXPECT_EQ(fake_chip::get().open_files, 1);
     RMCloseFile(png.file);
+}
+
+// Of 2 rows one is shown, or each of them twice. The file's last byte is the end marker's.
+TEST_F(BitmapHandleTest, png_is_read_to_its_end_at_any_size) {
+    bytes picture = folder.read_bytes("a.png");
+    picture.pop_back();
+    folder.write_bytes("b.png", picture);
+    for (uint32_t side : {0u, 1u, 2u, 4u})
+        for (const char *name : {"a.png", "b.png"}) {
+            const bool is_whole = name[0] == 'a';
+            RMBitmapFile file;
+            open(file, folder.path(name), side, side);
+            bytes pixels(64);
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(RMBitmapToRaw(pixels.data(), &file),
+                      is_whole ? UX_BITMAP_SUCCESS : UX_BITMAP_FAILURE);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                      is_whole ? "" : "libpng error: Read Error!\n");
+            EXPECT_EQ(pixels[0], 50) << name << side;
+            RMCloseBitmapFile(&file);
+        }
 }
 
 namespace {
