@@ -68,6 +68,30 @@ TEST_F(DrawStringTest, first_size_from_above_that_fits_is_taken_whatever_lies_be
     EXPECT_EQ(only(take_calls(), "RMTTGetGlyphMetrics 32").size(), 3u) << "sizes 8, 7, 6";
 }
 
+TEST_F(DrawStringTest, every_size_is_tried_down_from_a_height_out_of_reason) {
+    fake_chip::get().record_calls = false;
+    uint32_t tried = 0;
+    fake_chip::get().cell_of = [&](uint32_t code, uint32_t scale) {
+        if (code == ' ')
+            EXPECT_EQ(scale, 70000 - tried++);
+        return fake_chip::cell{2, scale < 50 ? scale : 70001};
+    };
+    output_of([&] { result = ux_draw_string("", 0, 7, 0, 0, 0, 100, 70000, 0); });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(tried, 70000u - 49 + 1);
+}
+
+// The scale is the size times 2^11 in 32 bits, divided by the em size: 0xFFFFF800 / 2048.
+TEST_F(DrawStringTest, largest_height_is_a_size_of_its_own) {
+    fake_chip::get().cell_of = [](uint32_t, uint32_t) { return fake_chip::cell{2, 0x7FFFFFFF}; };
+    output_of([&] { result = ux_draw_string("", 0, 7, 0, 0, 0, 100, 0x7FFFFFFF, 0); });
+    EXPECT_EQ(result, 0);
+    const calls made = take_calls();
+    EXPECT_EQ(only(made, "RMTTGetGlyphMetrics 32").size(), 1u);
+    EXPECT_EQ(made.at(1), "RUAExchangeProperty 32 4334 "
+                          "00000000 00000000 00000000 ffff1f00 00000000 0b001600");
+}
+
 TEST_F(DrawStringTest, box_that_no_size_fits_goes_on_with_size_0) {
     fake_chip::get().cell_of = [](uint32_t, uint32_t) { return fake_chip::cell{2, 100}; };
     output_of([&] { result = ux_draw_string("a", 0, 7, 0, 0, 0, 100, 3, 0); });
