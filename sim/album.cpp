@@ -4,6 +4,7 @@
 
 #include "sim/failure.h"
 #include "sim/picture.h"
+#include "sim/script.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -38,6 +39,10 @@ album::album(const shared_screen &screen, std::string folder, std::string expect
     if (!std::filesystem::create_directories(m_folder, error) && error) {
         throw failure("cannot make the folder " + m_folder + ": " + error.message());
     }
+    if (!m_expected.empty() && std::filesystem::equivalent(m_folder, m_expected, error)) {
+        throw usage_failure("--expect and --shots name the same folder: a shot would replace its "
+                            "reference");
+    }
 }
 
 std::string album::take(const std::string &file) {
@@ -49,7 +54,7 @@ std::string album::take(const std::string &file) {
     if (m_expected.empty()) {
         return path;
     }
-    const std::string diff = place(m_folder, "diff-" + file);
+    const std::string diff = place(m_folder, std::string(k_diff_prefix) + file);
     std::remove(diff.c_str()); // of an earlier run
     const std::string reference = place(m_expected, file);
     std::string wrong;

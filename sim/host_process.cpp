@@ -185,7 +185,8 @@ std::optional<host_end> host_process::poll() {
     return m_end;
 }
 
-host_end host_process::stop(std::chrono::milliseconds patience) {
+host_end host_process::stop(std::chrono::milliseconds patience,
+                            const std::function<void()> &meanwhile) {
     if (auto ended = poll()) {
         return *ended;
     }
@@ -202,10 +203,14 @@ host_end host_process::stop(std::chrono::milliseconds patience) {
             m_end = host_end{status};
             break;
         }
-        // Without a descriptor for the process, look again now and then.
+        if (meanwhile) {
+            meanwhile();
+        }
+        // Without a descriptor for the process, look again now and then, too.
         constexpr int k_look_again_ms = 10;
+        const bool looks_again = watched == -1 || meanwhile;
         int wait_ms = static_cast<int>(left.count());
-        ::poll(&until_end, 1, watched == -1 ? std::min(wait_ms, k_look_again_ms) : wait_ms);
+        ::poll(&until_end, 1, looks_again ? std::min(wait_ms, k_look_again_ms) : wait_ms);
     }
     if (watched != -1) {
         close(watched);

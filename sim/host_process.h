@@ -4,6 +4,7 @@
 
 #include "sim/screen.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,8 +43,9 @@ class host_process {
     // How it ended, or nothing while it lives. Never blocks.
     std::optional<host_end> poll();
 
-    // Asks it to end, waits up to `patience`, then kills it.
-    host_end stop(std::chrono::milliseconds patience);
+    // Asks it to end, waits up to `patience`, then kills it. `meanwhile`, if there is one, is
+    // called again and again.
+    host_end stop(std::chrono::milliseconds patience, const std::function<void()> &meanwhile);
 
   private:
     pid_t m_pid = -1;

@@ -145,12 +145,15 @@ std::optional<int> read_port(const std::string &text) {
 int64_t read_date(const std::string &text) {
     for (const char *form : {"%Y-%m-%d", "%Y-%m-%dT%H:%M", "%Y-%m-%dT%H:%M:%S"}) {
         tm parts{};
-        const char *end = strptime(text.c_str(), form, &parts);
-        const tm asked = parts;
+        if (strptime(text.c_str(), form, &parts) == nullptr) {
+            continue;
+        }
+        // timegm turns April 31 into May 1, and strptime passes blanks and single digits: what it
+        // gives must read like the text. Years before 1980 leave no room for other clocks.
         const time_t seconds = timegm(&parts);
-        // timegm turns April 31 into May 1; years before 1980 leave no room for other clocks.
-        if (end != nullptr && *end == '\0' && parts.tm_mday == asked.tm_mday &&
-            parts.tm_year >= 80 && parts.tm_year < 200) {
+        std::array<char, 32> again{};
+        std::strftime(again.data(), again.size(), form, &parts);
+        if (text == again.data() && parts.tm_year >= 80 && parts.tm_year < 200) {
             return seconds;
         }
     }

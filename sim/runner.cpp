@@ -207,10 +207,11 @@ class runner {
         if (!m_host->poll()) {
             m_ended_at = now();
         }
-        if (m_clock) {
-            m_clock->run_free();
+        if (!m_clock) {
+            return m_host->stop(k_patience, {});
         }
-        return m_host->stop(k_patience);
+        m_clock->run_free();
+        return m_host->stop(k_patience, [this] { m_clock->look_again(); });
     }
 
     // One look at everything; the exit status once the run is over.
@@ -256,8 +257,8 @@ class runner {
             run_virtually(m_player->next_look(now()));
             return;
         }
-        if (m_clock && m_clock->rests()) {
-            m_clock->run_free(); // somebody else may have sent something
+        if (m_clock && !m_host->poll()) {
+            m_clock->keep_free();
         }
         std::array<pollfd, 2> files = {
             {{.fd = m_signals.fd(), .events = POLLIN, .revents = 0},

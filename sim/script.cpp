@@ -72,13 +72,16 @@ std::string join(const words &parts) {
     return text;
 }
 
+bool is_control(char letter) {
+    return static_cast<unsigned char>(letter) < 0x20 || letter == 0x7f;
+}
+
 // Control characters must not reach a terminal through an error message.
 std::string quoted(std::string_view word) {
     constexpr size_t k_shown = 60;
     std::string text = "'";
     for (char letter : word.substr(0, k_shown)) {
-        bool control = static_cast<unsigned char>(letter) < 0x20 || letter == 0x7f;
-        text += control ? '?' : letter;
+        text += is_control(letter) ? '?' : letter;
     }
     return text + (word.size() > k_shown ? "...'" : "'");
 }
@@ -100,6 +103,7 @@ class parser {
         }
         read_step(parts, step);
         check_order(step);
+        m_waited_exit = m_waited_exit || step.what == verb::wait_exit;
         m_script.steps.push_back(step);
     }
 
@@ -243,9 +247,13 @@ class parser {
         want_words(parts, 2, "shot FILE.png");
         std::string_view file = parts[1];
         bool plain = file.find('/') == std::string_view::npos && file[0] != '.' &&
-                     file.find("..") == std::string_view::npos && file.size() <= k_longest_name;
+                     file.find("..") == std::string_view::npos && file.size() <= k_longest_name &&
+                     std::ranges::none_of(file, is_control);
         if (!plain || !file.ends_with(".png")) {
             refuse("a shot wants a plain file name that ends in .png, not " + quoted(file));
+        }
+        if (file.starts_with(k_diff_prefix)) {
+            refuse("a shot's name may not begin with " + std::string(k_diff_prefix));
         }
         step.what = verb::shot;
         step.file = file;
@@ -258,13 +266,10 @@ class parser {
         if (m_script.steps.empty()) {
             return;
         }
-        bool ended = std::ranges::any_of(m_script.steps, [](const script_step &earlier) {
-            return earlier.what == verb::wait_exit;
-        });
         if (m_script.steps.back().what == verb::quit) {
             refuse("nothing may follow 'quit'");
         }
-        if (ended && step.what != verb::shot && step.what != verb::quit) {
+        if (m_waited_exit && step.what != verb::shot && step.what != verb::quit) {
             refuse("only 'shot' and 'quit' may follow 'wait exit'");
         }
     }
@@ -272,7 +277,8 @@ class parser {
     script m_script;
     std::set<std::string> m_files;
     int m_line = 0;
-    size_t m_typed = 0; // characters so far
+    size_t m_typed = 0;         // characters so far
+    bool m_waited_exit = false; // by an earlier step
 };
 
 class open_file {

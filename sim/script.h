@@ -8,6 +8,9 @@
 
 namespace ux::sim {
 
+// Pictures of differences are called so; no shot is.
+constexpr std::string_view k_diff_prefix = "diff-";
+
 enum class verb { key, touch, wait_time, wait_until, wait_still, wait_exit, shot, quit };
 
 struct script_step {

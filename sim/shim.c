@@ -45,7 +45,7 @@ static mode_t creation_mode(int flags, va_list rest) {
         char room[PATH_MAX];                                                                       \
         flags = open_flags(path, flags);                                                           \
         path = shim_open_path(path, room);                                                         \
-        int pipe = shim_open_pipe(path, flags);                                                    \
+        int pipe = shim_open_pipe(AT_FDCWD, path, flags);                                          \
         return pipe != SHIM_NO_PIPE ? pipe : next(path, flags, mode);                              \
     }
 
@@ -57,7 +57,10 @@ static mode_t creation_mode(int flags, va_list rest) {
         mode_t mode = creation_mode(flags, rest);                                                  \
         va_end(rest);                                                                              \
         char room[PATH_MAX];                                                                       \
-        return next(folder, shim_open_path(path, room), open_flags(path, flags), mode);            \
+        flags = open_flags(path, flags);                                                           \
+        path = shim_open_path(path, room);                                                         \
+        int pipe = shim_open_pipe(folder, path, flags);                                            \
+        return pipe != SHIM_NO_PIPE ? pipe : next(folder, path, flags, mode);                      \
     }
 
 OPEN_CALL(open)
@@ -71,20 +74,20 @@ int __open64_2(const char *path, int flags);
 int __openat_2(int folder, const char *path, int flags);
 int __openat64_2(int folder, const char *path, int flags);
 
-#define OPEN_2_CALL(name, parameters, arguments)                                                   \
+#define OPEN_2_CALL(name, folder, parameters, arguments)                                           \
     EXPORT int name parameters {                                                                   \
         FIND_NEXT(name, -1)                                                                        \
         char room[PATH_MAX];                                                                       \
         flags = open_flags(path, flags);                                                           \
         path = shim_open_path(path, room);                                                         \
-        int pipe = shim_open_pipe(path, flags);                                                    \
+        int pipe = shim_open_pipe(folder, path, flags);                                            \
         return pipe != SHIM_NO_PIPE ? pipe : next arguments;                                       \
     }
 
-OPEN_2_CALL(__open_2, (const char *path, int flags), (path, flags))
-OPEN_2_CALL(__open64_2, (const char *path, int flags), (path, flags))
-OPEN_2_CALL(__openat_2, (int folder, const char *path, int flags), (folder, path, flags))
-OPEN_2_CALL(__openat64_2, (int folder, const char *path, int flags), (folder, path, flags))
+OPEN_2_CALL(__open_2, AT_FDCWD, (const char *path, int flags), (path, flags))
+OPEN_2_CALL(__open64_2, AT_FDCWD, (const char *path, int flags), (path, flags))
+OPEN_2_CALL(__openat_2, folder, (int folder, const char *path, int flags), (folder, path, flags))
+OPEN_2_CALL(__openat64_2, folder, (int folder, const char *path, int flags), (folder, path, flags))
 
 /* Enough of fopen's flags to tell reader from writer. */
 static int stream_flags(const char *mode) {
@@ -97,7 +100,7 @@ static int stream_flags(const char *mode) {
         FIND_NEXT(name, NULL)                                                                      \
         char room[PATH_MAX];                                                                       \
         path = shim_open_path(path, room);                                                         \
-        int pipe = shim_open_pipe(path, stream_flags(mode));                                       \
+        int pipe = shim_open_pipe(AT_FDCWD, path, stream_flags(mode));                             \
         return pipe == SHIM_NO_PIPE ? next(path, mode) : pipe == -1 ? NULL : fdopen(pipe, mode);   \
     }
 

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <linux/futex.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
@@ -20,6 +21,10 @@ enum { k_threads = 256, k_glances = 1000 };
 
 static const int64_t k_glance_ns = 1000000;
 static const long k_look_again_ns = 50000000; /* for interruptions that met a rest at its start */
+
+/* With a limit, even one that never comes, the kernel tells of every signal handler that ran;
+ * without one it would go on after a handler with SA_RESTART. */
+static const struct timespec k_no_limit = {.tv_sec = 1 << 30};
 
 /* A signal ends the wait that it meets, a cancellation also the next one. */
 enum interruption { k_none, k_signal, k_cancellation };
@@ -51,7 +56,7 @@ static struct {
     pthread_key_t key;
 } s_clock;
 
-static pthread_once_t s_once = PTHREAD_ONCE_INIT;
+static bool s_asked; /* whether this process shall live by the clock */
 static __thread struct thread *t_thread;
 
 #define LOAD(field) __atomic_load_n(&(field), __ATOMIC_ACQUIRE)
@@ -67,7 +72,22 @@ static void futex_wake(uint32_t *word) {
 
 /* --- turns --- */
 
+/* Which handler ran cannot be told. Programs seldom mix both kinds. */
+static bool all_handlers_restart(void) {
+    for (int number = 1; number < NSIG; ++number) {
+        struct sigaction action;
+        if (sigaction(number, NULL, &action) == 0 && action.sa_handler != SIG_DFL &&
+            action.sa_handler != SIG_IGN && (action.sa_flags & SA_RESTART) == 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
 static void mark_signal(struct thread *thread) {
+    if (thread->wait.restarts && all_handlers_restart()) {
+        return;
+    }
     uint32_t none = k_none;
     __atomic_compare_exchange_n(&thread->interrupted, &none, k_signal, false, __ATOMIC_ACQ_REL,
                                 __ATOMIC_ACQUIRE);
@@ -89,7 +109,7 @@ static void give_turn(struct thread *to) {
 
 static void await_turn(struct thread *me) {
     while (LOAD(me->turn) == 0) {
-        if (futex_wait(&me->turn, 0, NULL) == -1 && errno == EINTR) {
+        if (futex_wait(&me->turn, 0, &k_no_limit) == -1 && errno == EINTR) {
             mark_signal(me);
             futex_wake(&s_clock.share->granted);
         }
@@ -119,6 +139,7 @@ static void rest(void) {
     while (LOAD(share->granted) == s_clock.grant && !interrupted) {
         if (futex_wait(&share->granted, s_clock.grant, &limit) == -1 && errno == EINTR) {
             mark_signal(t_thread);
+            interrupted = true; /* the handler may have brought what somebody waits for */
         }
         for (int at = 0; at < s_clock.used; ++at) {
             interrupted =
@@ -170,10 +191,31 @@ static void let_others_run(struct thread *me) {
     }
 }
 
+static bool cancellation_is_enabled(void) {
+    int state = PTHREAD_CANCEL_ENABLE;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    pthread_setcancelstate(state, NULL);
+    return state == PTHREAD_CANCEL_ENABLE;
+}
+
+/* Whether something ends the wait before it is over. A cancellation that the thread does not want
+ * to hear of now does not; the C library remembers it. */
+static bool take_interruption(struct thread *me) {
+    if (!is_interrupted(me)) {
+        return false;
+    }
+    const bool cancelled =
+        __atomic_exchange_n(&me->interrupted, k_none, __ATOMIC_ACQ_REL) == k_cancellation;
+    return !cancelled || cancellation_is_enabled();
+}
+
 enum shim_wait_end shim_clock_wait(const struct shim_wait *wait) {
     struct thread *me = t_thread;
     enum shim_wait_end end = SHIM_READY;
     const int64_t begun_ns = shim_clock_now();
+    if (!wait->deaf) {
+        pthread_testcancel(); /* a cancellation from before */
+    }
     me->inside = true;
     me->wait = *wait;
     me->order = ++s_clock.orders;
@@ -183,8 +225,7 @@ enum shim_wait_end shim_clock_wait(const struct shim_wait *wait) {
         if (wait->attempt != NULL && wait->attempt(wait->what)) {
             break;
         }
-        if (is_interrupted(me)) {
-            STORE(me->interrupted, k_none);
+        if (take_interruption(me)) {
             end = SHIM_INTERRUPTED;
             break;
         }
@@ -352,15 +393,21 @@ static void join_clock(void) {
     pthread_setspecific(s_clock.key, first);
 }
 
+/* At the first call, which may come from another library's constructor. What joining itself calls
+ * meets real time. */
 __attribute__((constructor)) static void prepare(void) {
-    pthread_once(&s_once, join_clock);
+    if (!LOAD(s_asked) && !__atomic_exchange_n(&s_asked, true, __ATOMIC_ACQ_REL)) {
+        join_clock();
+    }
 }
 
 bool shim_clock_runs(void) {
+    prepare();
     return s_clock.share != NULL;
 }
 
 bool shim_clock_mine(void) {
+    prepare();
     return t_thread != NULL && s_clock.share != NULL && s_clock.running == t_thread &&
            !t_thread->inside;
 }

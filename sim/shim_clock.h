@@ -23,6 +23,7 @@ struct shim_wait {
     void *what;
     int64_t until_ns; /* SIM_CLOCK_NEVER = as long as it takes */
     bool deaf;        /* signals and cancellation do not end it */
+    bool restarts;    /* nor do signals whose handlers have SA_RESTART */
 };
 
 enum shim_wait_end { SHIM_READY, SHIM_TIME_UP, SHIM_INTERRUPTED };
@@ -39,6 +40,9 @@ int64_t shim_clock_epoch_s(void);
 
 /* `duration_ns` from now; a negative one counts as 0, one out of range as for ever. */
 int64_t shim_clock_after(int64_t duration_ns);
+
+/* Whether the fraction of a second is one. Other times are the C library's to refuse. */
+bool shim_clock_is_valid(const struct timespec *time);
 
 /* The same scale for an absolute time of a simulated clock: the date, or the time since the machine
  * was started. */

@@ -4,12 +4,24 @@
 #include "sim/clock_share.h"
 #include "sim/shim_clock.h"
 #include "sim/shim_next.h"
+#include "sim/shim_waiters.h"
 
+#include <limits.h>
 #include <semaphore.h>
 #include <signal.h>
+#include <unistd.h>
 
 /* Where a C library has several, these are the ones that programs of today use. */
 #define CONDITION_VERSION "GLIBC_2.3.2"
+
+/* Otherwise the call goes on to the C library, which refuses a limit or a clock that is none. */
+static bool may_wait_until(const struct timespec *limit) {
+    return shim_clock_mine() && limit != NULL && shim_clock_is_valid(limit);
+}
+
+static bool may_wait_by(clockid_t clock, const struct timespec *limit) {
+    return (clock == CLOCK_REALTIME || clock == CLOCK_MONOTONIC) && may_wait_until(limit);
+}
 
 /* --- threads --- */
 
@@ -24,16 +36,47 @@ static bool has_ended(void *thread) {
     return !shim_clock_has_thread(*(pthread_t *)thread);
 }
 
+/* False when the time is up. */
+static bool await_end(pthread_t thread, int64_t until_ns) {
+    if (pthread_equal(thread, pthread_self())) {
+        return true; /* the C library refuses */
+    }
+    const struct shim_wait wait = {
+        .ready = has_ended, .attempt = has_ended, .what = &thread, .until_ns = until_ns};
+    enum shim_wait_end end = SHIM_INTERRUPTED;
+    while (end == SHIM_INTERRUPTED) {
+        end = shim_clock_wait(&wait);
+        pthread_testcancel();
+    }
+    return end == SHIM_READY;
+}
+
 EXPORT int pthread_join(pthread_t thread, void **result) {
     FIND_NEXT(pthread_join, EINVAL)
-    if (shim_clock_mine() && !pthread_equal(thread, pthread_self())) {
-        struct shim_wait wait = {
-            .ready = has_ended, .attempt = has_ended, .what = &thread, .until_ns = SIM_CLOCK_NEVER};
-        while (shim_clock_wait(&wait) != SHIM_READY) {
-            pthread_testcancel();
-        }
+    if (shim_clock_mine()) {
+        await_end(thread, SIM_CLOCK_NEVER);
     }
     return next(thread, result);
+}
+
+/* Without the limit once the thread has ended: that is a matter of a moment, of real time. */
+EXPORT int pthread_timedjoin_np(pthread_t thread, void **result, const struct timespec *limit) {
+    FIND_NEXT(pthread_timedjoin_np, EINVAL)
+    if (!may_wait_until(limit)) {
+        return next(thread, result, limit);
+    }
+    return await_end(thread, shim_clock_from_absolute(limit)) ? next(thread, result, NULL)
+                                                              : ETIMEDOUT;
+}
+
+EXPORT int pthread_clockjoin_np(pthread_t thread, void **result, clockid_t clock,
+                                const struct timespec *limit) {
+    FIND_NEXT(pthread_clockjoin_np, EINVAL)
+    if (!may_wait_by(clock, limit)) {
+        return next(thread, result, clock, limit);
+    }
+    return await_end(thread, shim_clock_from_absolute(limit)) ? next(thread, result, clock, NULL)
+                                                              : ETIMEDOUT;
 }
 
 EXPORT int pthread_cancel(pthread_t thread) {
@@ -77,18 +120,39 @@ static bool lock_attempt(void *what) {
     return wait->result != EBUSY;
 }
 
+/* A thread that unlocks and locks again without a rest would never let those that wait have it. */
+static void give_way(void) {
+    const struct shim_wait turn = {.until_ns = shim_clock_now(), .deaf = true};
+    shim_clock_wait(&turn);
+}
+
 static int lock_until(int (*take)(void *lock), void *lock, int64_t until_ns) {
     struct lock_wait what = {.take = take, .lock = lock, .result = EBUSY};
+    if (shim_waiters_any(lock)) {
+        give_way();
+    }
     if (lock_attempt(&what)) {
         return what.result;
     }
+    struct shim_waiter waiter = {.object = lock};
     const struct shim_wait wait = {
         .attempt = lock_attempt, .what = &what, .until_ns = until_ns, .deaf = true};
-    return shim_clock_wait(&wait) == SHIM_TIME_UP ? ETIMEDOUT : what.result;
+    shim_waiter_enter(&waiter);
+    const bool late = shim_clock_wait(&wait) == SHIM_TIME_UP;
+    shim_waiter_leave(&waiter);
+    return late ? ETIMEDOUT : what.result;
+}
+
+/* Trying does not tell an owner that locks again, but a mutex that checks for errors would. */
+static bool is_checked_and_own(const pthread_mutex_t *mutex) {
+    const int kind_bits = 3;
+    return (mutex->__data.__kind & kind_bits) == PTHREAD_MUTEX_ERRORCHECK &&
+           mutex->__data.__owner == gettid();
 }
 
 static int take_mutex(void *mutex) {
-    return pthread_mutex_trylock(mutex);
+    int result = pthread_mutex_trylock(mutex);
+    return result == EBUSY && is_checked_and_own(mutex) ? EDEADLK : result;
 }
 
 static int take_to_read(void *lock) {
@@ -107,15 +171,16 @@ EXPORT int pthread_mutex_lock(pthread_mutex_t *mutex) {
 EXPORT int pthread_mutex_timedlock(pthread_mutex_t *restrict mutex,
                                    const struct timespec *restrict limit) {
     FIND_NEXT(pthread_mutex_timedlock, EINVAL)
-    return shim_clock_mine() ? lock_until(take_mutex, mutex, shim_clock_from_absolute(limit))
-                             : next(mutex, limit);
+    return may_wait_until(limit) ? lock_until(take_mutex, mutex, shim_clock_from_absolute(limit))
+                                 : next(mutex, limit);
 }
 
 EXPORT int pthread_mutex_clocklock(pthread_mutex_t *restrict mutex, clockid_t clock,
                                    const struct timespec *restrict limit) {
     FIND_NEXT(pthread_mutex_clocklock, EINVAL)
-    return shim_clock_mine() ? lock_until(take_mutex, mutex, shim_clock_from_absolute(limit))
-                             : next(mutex, clock, limit);
+    return may_wait_by(clock, limit)
+               ? lock_until(take_mutex, mutex, shim_clock_from_absolute(limit))
+               : next(mutex, clock, limit);
 }
 
 EXPORT int pthread_rwlock_rdlock(pthread_rwlock_t *lock) {
@@ -128,35 +193,30 @@ EXPORT int pthread_rwlock_wrlock(pthread_rwlock_t *lock) {
     return shim_clock_mine() ? lock_until(take_to_write, lock, SIM_CLOCK_NEVER) : next(lock);
 }
 
+#define RWLOCK_TIMED_CALL(name, take)                                                              \
+    EXPORT int name(pthread_rwlock_t *restrict lock, const struct timespec *restrict limit) {      \
+        FIND_NEXT(name, EINVAL)                                                                    \
+        return may_wait_until(limit) ? lock_until(take, lock, shim_clock_from_absolute(limit))     \
+                                     : next(lock, limit);                                          \
+    }
+
+#define RWLOCK_CLOCK_CALL(name, take)                                                              \
+    EXPORT int name(pthread_rwlock_t *restrict lock, clockid_t clock,                              \
+                    const struct timespec *restrict limit) {                                       \
+        FIND_NEXT(name, EINVAL)                                                                    \
+        return may_wait_by(clock, limit) ? lock_until(take, lock, shim_clock_from_absolute(limit)) \
+                                         : next(lock, clock, limit);                               \
+    }
+
+RWLOCK_TIMED_CALL(pthread_rwlock_timedrdlock, take_to_read)
+RWLOCK_TIMED_CALL(pthread_rwlock_timedwrlock, take_to_write)
+RWLOCK_CLOCK_CALL(pthread_rwlock_clockrdlock, take_to_read)
+RWLOCK_CLOCK_CALL(pthread_rwlock_clockwrlock, take_to_write)
+
 /* --- conditions --- */
 
-/* Waits in progress, the oldest first. */
-struct condition_wait {
-    pthread_cond_t *condition;
-    bool signalled;
-    struct condition_wait *next;
-};
-
-static struct condition_wait *s_waits;
-
-static bool is_signalled(void *what) {
-    return ((struct condition_wait *)what)->signalled;
-}
-
-static void add_wait(struct condition_wait *wait) {
-    struct condition_wait **link = &s_waits;
-    while (*link != NULL) {
-        link = &(*link)->next;
-    }
-    *link = wait;
-}
-
-static void remove_wait(struct condition_wait *wait) {
-    struct condition_wait **link = &s_waits;
-    while (*link != wait) {
-        link = &(*link)->next;
-    }
-    *link = wait->next;
+static bool is_signalled(void *waiter) {
+    return ((const struct shim_waiter *)waiter)->woken;
 }
 
 static void lock_again(void *mutex) {
@@ -165,31 +225,20 @@ static void lock_again(void *mutex) {
 
 /* A cancellation is acted upon with the mutex locked, as for every wait for a condition. */
 static int wait_for_condition(pthread_cond_t *condition, pthread_mutex_t *mutex, int64_t until_ns) {
-    struct condition_wait what = {.condition = condition, .signalled = false, .next = NULL};
+    struct shim_waiter waiter = {.object = condition, .bits = SHIM_ANY_BITS};
+    pthread_testcancel(); /* while the mutex is locked */
     int result = pthread_mutex_unlock(mutex);
     if (result != 0) {
         return result;
     }
-    add_wait(&what);
     const struct shim_wait wait = {
-        .ready = is_signalled, .attempt = is_signalled, .what = &what, .until_ns = until_ns};
+        .ready = is_signalled, .attempt = is_signalled, .what = &waiter, .until_ns = until_ns};
+    shim_waiter_enter(&waiter);
     enum shim_wait_end end = shim_clock_wait(&wait);
-    remove_wait(&what);
+    shim_waiter_leave(&waiter);
     lock_again(mutex);
     pthread_testcancel();
     return end == SHIM_TIME_UP ? ETIMEDOUT : 0;
-}
-
-/* Wakes one or all; false when none waits here. */
-static bool wake_waits(const pthread_cond_t *condition, bool all) {
-    bool any = false;
-    for (struct condition_wait *wait = s_waits; wait != NULL && (all || !any); wait = wait->next) {
-        if (wait->condition == condition && !wait->signalled) {
-            wait->signalled = true;
-            any = true;
-        }
-    }
-    return any;
 }
 
 EXPORT int pthread_cond_wait(pthread_cond_t *restrict condition, pthread_mutex_t *restrict mutex) {
@@ -202,27 +251,31 @@ EXPORT int pthread_cond_timedwait(pthread_cond_t *restrict condition,
                                   pthread_mutex_t *restrict mutex,
                                   const struct timespec *restrict limit) {
     FIND_NEXT_VERSION(pthread_cond_timedwait, CONDITION_VERSION, EINVAL)
-    return shim_clock_mine() ? wait_for_condition(condition, mutex, shim_clock_from_absolute(limit))
-                             : next(condition, mutex, limit);
+    return may_wait_until(limit)
+               ? wait_for_condition(condition, mutex, shim_clock_from_absolute(limit))
+               : next(condition, mutex, limit);
 }
 
 EXPORT int pthread_cond_clockwait(pthread_cond_t *restrict condition,
                                   pthread_mutex_t *restrict mutex, clockid_t clock,
                                   const struct timespec *restrict limit) {
     FIND_NEXT(pthread_cond_clockwait, EINVAL)
-    return shim_clock_mine() ? wait_for_condition(condition, mutex, shim_clock_from_absolute(limit))
-                             : next(condition, mutex, clock, limit);
+    return may_wait_by(clock, limit)
+               ? wait_for_condition(condition, mutex, shim_clock_from_absolute(limit))
+               : next(condition, mutex, clock, limit);
 }
 
 EXPORT int pthread_cond_signal(pthread_cond_t *condition) {
     FIND_NEXT_VERSION(pthread_cond_signal, CONDITION_VERSION, EINVAL)
-    return shim_clock_mine() && wake_waits(condition, false) ? 0 : next(condition);
+    return shim_clock_mine() && shim_waiters_wake(condition, 1, SHIM_ANY_BITS) > 0
+               ? 0
+               : next(condition);
 }
 
 EXPORT int pthread_cond_broadcast(pthread_cond_t *condition) {
     FIND_NEXT_VERSION(pthread_cond_broadcast, CONDITION_VERSION, EINVAL)
     if (shim_clock_mine()) {
-        wake_waits(condition, true);
+        shim_waiters_wake(condition, LONG_MAX, SHIM_ANY_BITS);
     }
     return next(condition);
 }
@@ -239,8 +292,11 @@ static bool pass_attempt(void *semaphore) {
 }
 
 static int pass_until(sem_t *semaphore, int64_t until_ns) {
-    const struct shim_wait wait = {
-        .ready = may_pass, .attempt = pass_attempt, .what = semaphore, .until_ns = until_ns};
+    const struct shim_wait wait = {.ready = may_pass,
+                                   .attempt = pass_attempt,
+                                   .what = semaphore,
+                                   .until_ns = until_ns,
+                                   .restarts = true};
     enum shim_wait_end end = shim_clock_wait(&wait);
     pthread_testcancel();
     if (end == SHIM_READY) {
@@ -257,13 +313,13 @@ EXPORT int sem_wait(sem_t *semaphore) {
 
 EXPORT int sem_timedwait(sem_t *restrict semaphore, const struct timespec *restrict limit) {
     FIND_NEXT(sem_timedwait, -1)
-    return shim_clock_mine() ? pass_until(semaphore, shim_clock_from_absolute(limit))
-                             : next(semaphore, limit);
+    return may_wait_until(limit) ? pass_until(semaphore, shim_clock_from_absolute(limit))
+                                 : next(semaphore, limit);
 }
 
 EXPORT int sem_clockwait(sem_t *restrict semaphore, clockid_t clock,
                          const struct timespec *restrict limit) {
     FIND_NEXT(sem_clockwait, -1)
-    return shim_clock_mine() ? pass_until(semaphore, shim_clock_from_absolute(limit))
-                             : next(semaphore, clock, limit);
+    return may_wait_by(clock, limit) ? pass_until(semaphore, shim_clock_from_absolute(limit))
+                                     : next(semaphore, clock, limit);
 }

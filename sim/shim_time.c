@@ -19,6 +19,12 @@ static struct timespec time_since(int64_t start_s) {
                              .tv_nsec = now % SHIM_SECOND_NS};
 }
 
+/* Clocks that nobody can sleep by: the C library tells so. */
+static bool is_only_read(clockid_t clock) {
+    return clock == CLOCK_REALTIME_COARSE || clock == CLOCK_MONOTONIC_COARSE ||
+           clock == CLOCK_MONOTONIC_RAW;
+}
+
 /* Whether a clock is simulated, and where it began. Clocks of used processor time are not. */
 static bool start_of(clockid_t clock, int64_t *start_s) {
     switch (clock) {
@@ -38,8 +44,12 @@ static bool start_of(clockid_t clock, int64_t *start_s) {
     }
 }
 
-static bool is_valid(const struct timespec *time) {
-    return time->tv_sec >= 0 && time->tv_nsec >= 0 && time->tv_nsec < SHIM_SECOND_NS;
+bool shim_clock_is_valid(const struct timespec *time) {
+    return time->tv_nsec >= 0 && time->tv_nsec < SHIM_SECOND_NS;
+}
+
+static bool is_duration(const struct timespec *time) {
+    return time != NULL && time->tv_sec >= 0 && shim_clock_is_valid(time);
 }
 
 /* Saturates: beyond 292 years a duration is as good as for ever. */
@@ -52,6 +62,9 @@ static int64_t in_ns(const struct timespec *time) {
 }
 
 int64_t shim_clock_from_absolute(const struct timespec *time) {
+    if (time->tv_sec < 0) {
+        return 0; /* long over */
+    }
     /* No date of a run is as early as the other clocks' times. */
     int64_t start_s = time->tv_sec < shim_clock_epoch_s() / 2 ? k_uptime_s : shim_clock_epoch_s();
     struct timespec since = {.tv_sec = time->tv_sec - start_s, .tv_nsec = time->tv_nsec};
@@ -118,7 +131,7 @@ EXPORT int timespec_get(struct timespec *result, int base) {
 
 EXPORT int nanosleep(const struct timespec *duration, struct timespec *left) {
     FIND_NEXT(nanosleep, -1)
-    if (!shim_clock_mine() || duration == NULL || !is_valid(duration)) {
+    if (!shim_clock_mine() || !is_duration(duration)) {
         return next(duration, left);
     }
     int64_t left_ns = sleep_until(shim_clock_after(in_ns(duration)));
@@ -137,7 +150,7 @@ EXPORT int clock_nanosleep(clockid_t clock, int flags, const struct timespec *du
                            struct timespec *left) {
     FIND_NEXT(clock_nanosleep, ENOSYS)
     int64_t start_s = 0;
-    if (!shim_clock_mine() || duration == NULL || !is_valid(duration) ||
+    if (!shim_clock_mine() || !is_duration(duration) || is_only_read(clock) ||
         !start_of(clock, &start_s)) {
         return next(clock, flags, duration, left);
     }
@@ -177,6 +190,8 @@ EXPORT int sched_yield(void) {
     if (!shim_clock_mine()) {
         return next();
     }
-    sleep_until(shim_clock_now());
+    shim_clock_glance();
+    const struct shim_wait wait = {.until_ns = shim_clock_now(), .deaf = true};
+    shim_clock_wait(&wait);
     return 0;
 }

@@ -1,43 +1,44 @@
 /* SPDX-License-Identifier: MIT
- * The calls that wait for descriptors and queues. Under the simulated clock each becomes a look
+ * The calls that wait for descriptors. Under the simulated clock each becomes a look
  * without waiting, repeated whenever something can have changed. The network is the exception: an
  * answer from another machine takes no simulated time, so these waits are real and the clock stands
- * meanwhile. */
+ * meanwhile. Waiting for others to connect is not waiting for an answer. */
 #include "sim/shim_waits.h"
 
 #include "sim/clock_share.h"
 #include "sim/shim_clock.h"
 #include "sim/shim_next.h"
-#include "sim/shim_record.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <stddef.h>
 #include <sys/epoll.h>
-#include <sys/ipc.h>
-#include <sys/msg.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 static const int64_t k_millisecond_ns = 1000000;
+static const int64_t k_second_us = 1000000;
 
 int __poll_chk(struct pollfd *files, nfds_t count, int timeout_ms, size_t room);
 int __ppoll_chk(struct pollfd *files, nfds_t count, const struct timespec *timeout,
                 const sigset_t *mask, size_t room);
 ssize_t __read_chk(int fd, void *buffer, size_t bytes, size_t room);
 
-static int64_t deadline_of(const struct timespec *timeout) {
+bool shim_is_timeout(const struct timespec *timeout) {
+    return timeout == NULL || (timeout->tv_sec >= 0 && shim_clock_is_valid(timeout));
+}
+
+int64_t shim_deadline_of(const struct timespec *timeout) {
     if (timeout == NULL || timeout->tv_sec > SIM_CLOCK_NEVER / SHIM_SECOND_NS - 1) {
         return SIM_CLOCK_NEVER;
     }
     return shim_clock_after(timeout->tv_sec * SHIM_SECOND_NS + timeout->tv_nsec);
 }
 
-/* True when it became ready; otherwise the time was up, or errno is EINTR and *interrupted set. */
-static bool wait_for(struct shim_wait wait, bool *interrupted) {
+bool shim_wait_for(struct shim_wait wait, bool *interrupted) {
     enum shim_wait_end end = shim_clock_wait(&wait);
     pthread_testcancel();
     *interrupted = end == SHIM_INTERRUPTED;
@@ -71,9 +72,11 @@ static bool is_network(int fd) {
     int domain = AF_UNSPEC;
     socklen_t size = sizeof domain;
     int saved_errno = errno;
-    bool known = getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &domain, &size) == 0;
+    int listens = 0;
+    bool known = getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &domain, &size) == 0 &&
+                 getsockopt(fd, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size) == 0;
     errno = saved_errno;
-    return known && (domain == AF_INET || domain == AF_INET6);
+    return known && listens == 0 && (domain == AF_INET || domain == AF_INET6);
 }
 
 static bool any_network(const struct pollfd *files, nfds_t count) {
@@ -94,12 +97,12 @@ static int poll_network(struct poll_wait *wait, int64_t until_ns) {
     int result = poll_now(wait->files, wait->count, limit_ms);
     bool interrupted = false;
     if (result == 0) {
-        wait_for((struct shim_wait){.until_ns = until_ns}, &interrupted);
+        shim_wait_for((struct shim_wait){.until_ns = until_ns}, &interrupted);
     }
     return result;
 }
 
-static int poll_until(struct pollfd *files, nfds_t count, int64_t until_ns) {
+static int poll_until(struct pollfd *files, nfds_t count, int64_t until_ns, bool restarts) {
     struct poll_wait what = {.files = files, .count = count, .result = 0};
     if (poll_attempt(&what)) {
         return what.result;
@@ -111,10 +114,13 @@ static int poll_until(struct pollfd *files, nfds_t count, int64_t until_ns) {
     if (any_network(files, count)) {
         return poll_network(&what, until_ns);
     }
-    struct shim_wait wait = {
-        .ready = poll_attempt, .attempt = poll_attempt, .what = &what, .until_ns = until_ns};
+    struct shim_wait wait = {.ready = poll_attempt,
+                             .attempt = poll_attempt,
+                             .what = &what,
+                             .until_ns = until_ns,
+                             .restarts = restarts};
     bool interrupted = false;
-    bool ready = wait_for(wait, &interrupted);
+    bool ready = shim_wait_for(wait, &interrupted);
     return ready ? what.result : interrupted ? -1 : 0;
 }
 
@@ -123,9 +129,9 @@ EXPORT int poll(struct pollfd *files, nfds_t count, int timeout_ms) {
     if (!shim_clock_mine()) {
         return next(files, count, timeout_ms);
     }
-    return poll_until(files, count,
-                      timeout_ms < 0 ? SIM_CLOCK_NEVER
-                                     : shim_clock_after(timeout_ms * k_millisecond_ns));
+    int64_t until_ns =
+        timeout_ms < 0 ? SIM_CLOCK_NEVER : shim_clock_after(timeout_ms * k_millisecond_ns);
+    return poll_until(files, count, until_ns, false);
 }
 
 EXPORT int __poll_chk(struct pollfd *files, nfds_t count, int timeout_ms, size_t room) {
@@ -135,22 +141,18 @@ EXPORT int __poll_chk(struct pollfd *files, nfds_t count, int timeout_ms, size_t
                                      : next(files, count, timeout_ms, room);
 }
 
-static void set_mask(const sigset_t *mask, sigset_t *before) {
-    if (mask != NULL) {
-        pthread_sigmask(SIG_SETMASK, mask, before);
-    }
-}
-
 EXPORT int ppoll(struct pollfd *files, nfds_t count, const struct timespec *timeout,
                  const sigset_t *mask) {
     FIND_NEXT(ppoll, -1)
-    if (!shim_clock_mine()) {
+    if (!shim_clock_mine() || !shim_is_timeout(timeout)) {
         return next(files, count, timeout, mask);
     }
     sigset_t before;
-    set_mask(mask, &before);
-    int result = poll_until(files, count, deadline_of(timeout));
-    set_mask(mask == NULL ? NULL : &before, NULL);
+    int result = -1;
+    if (shim_mask_put(mask, &before) || poll_now(files, count, 0) != 0) {
+        result = poll_until(files, count, shim_deadline_of(timeout), false);
+    }
+    shim_mask_restore(mask, &before);
     return result;
 }
 
@@ -208,7 +210,7 @@ static int select_until(struct select_wait *what, fd_set *sets[3], int64_t until
     }
     struct shim_wait wait = {
         .ready = select_attempt, .attempt = select_attempt, .what = what, .until_ns = until_ns};
-    wait_for(wait, &interrupted);
+    shim_wait_for(wait, &interrupted);
     for (int at = 0; at < 3 && !interrupted && what->result >= 0; ++at) {
         if (sets[at] != NULL) {
             *sets[at] = what->answer[at];
@@ -217,24 +219,42 @@ static int select_until(struct select_wait *what, fd_set *sets[3], int64_t until
     return interrupted ? -1 : what->result;
 }
 
+static bool is_interval(const struct timeval *timeout) {
+    return timeout == NULL || (timeout->tv_sec >= 0 && timeout->tv_usec >= 0);
+}
+
+static int64_t end_of(const struct timeval *timeout) {
+    if (timeout == NULL) {
+        return SIM_CLOCK_NEVER;
+    }
+    const struct timespec duration = {.tv_sec = timeout->tv_sec + timeout->tv_usec / k_second_us,
+                                      .tv_nsec = timeout->tv_usec % k_second_us * 1000};
+    return shim_deadline_of(&duration);
+}
+
 EXPORT int select(int limit, fd_set *restrict reading, fd_set *restrict writing,
                   fd_set *restrict special, struct timeval *restrict timeout) {
     FIND_NEXT(select, -1)
     struct select_wait what = {.limit = limit, .asked = {reading, writing, special}};
-    if (!shim_clock_mine() || limit > FD_SETSIZE || select_network(&what)) {
+    if (!shim_clock_mine() || limit > FD_SETSIZE || !is_interval(timeout)) {
         return next(limit, reading, writing, special, timeout);
     }
     fd_set *sets[3] = {reading, writing, special};
-    struct timespec duration = {0, 0};
-    if (timeout != NULL) {
-        duration = (struct timespec){.tv_sec = timeout->tv_sec, .tv_nsec = timeout->tv_usec * 1000};
+    int64_t until_ns = end_of(timeout);
+    int result = 0;
+    if (select_network(&what)) { /* a wait in vain then takes its simulated time as well */
+        result = next(limit, reading, writing, special, timeout);
+        sets[0] = sets[1] = sets[2] = NULL;
+        what = (struct select_wait){.limit = 0};
     }
-    int64_t until_ns = deadline_of(timeout == NULL ? NULL : &duration);
-    int result = select_until(&what, sets, until_ns);
+    if (result == 0) {
+        result = select_until(&what, sets, until_ns);
+    }
     if (timeout != NULL) { /* as the kernel does: what is left */
         int64_t left_us = (until_ns - shim_clock_now()) / 1000;
         left_us = left_us < 0 ? 0 : left_us;
-        *timeout = (struct timeval){.tv_sec = left_us / 1000000, .tv_usec = left_us % 1000000};
+        *timeout =
+            (struct timeval){.tv_sec = left_us / k_second_us, .tv_usec = left_us % k_second_us};
     }
     return result;
 }
@@ -244,30 +264,58 @@ EXPORT int pselect(int limit, fd_set *restrict reading, fd_set *restrict writing
                    const sigset_t *restrict mask) {
     FIND_NEXT(pselect, -1)
     struct select_wait what = {.limit = limit, .asked = {reading, writing, special}};
-    if (!shim_clock_mine() || limit > FD_SETSIZE || select_network(&what)) {
+    if (!shim_clock_mine() || limit > FD_SETSIZE || !shim_is_timeout(timeout) ||
+        select_network(&what)) {
         return next(limit, reading, writing, special, timeout, mask);
     }
     fd_set *sets[3] = {reading, writing, special};
     sigset_t before;
-    set_mask(mask, &before);
-    int result = select_until(&what, sets, deadline_of(timeout));
-    set_mask(mask == NULL ? NULL : &before, NULL);
+    int result = -1;
+    if (shim_mask_put(mask, &before) || select_attempt(&what)) {
+        result = select_until(&what, sets, shim_deadline_of(timeout));
+    }
+    shim_mask_restore(mask, &before);
     return result;
 }
 
 /* --- epoll --- */
 
+/* A set is readable when it has something to tell: the call itself need not wait. False: errno. */
+static bool wait_for_set(int set, int64_t timeout_ns, const sigset_t *mask) {
+    struct pollfd file = {.fd = set, .events = POLLIN, .revents = 0};
+    const struct timespec duration = {.tv_sec = timeout_ns / SHIM_SECOND_NS,
+                                      .tv_nsec = timeout_ns % SHIM_SECOND_NS};
+    return ppoll(&file, 1, timeout_ns < 0 ? NULL : &duration, mask) != -1;
+}
+
 EXPORT int epoll_wait(int set, struct epoll_event *events, int room, int timeout_ms) {
     FIND_NEXT(epoll_wait, -1)
-    if (shim_clock_mine() &&
-        timeout_ms != 0) { /* a set is readable when it has something to tell */
-        struct pollfd file = {.fd = set, .events = POLLIN, .revents = 0};
-        if (poll(&file, 1, timeout_ms) == -1) {
-            return -1;
-        }
-        timeout_ms = 0;
+    if (!shim_clock_mine()) {
+        return next(set, events, room, timeout_ms);
     }
-    return next(set, events, room, timeout_ms);
+    return wait_for_set(set, timeout_ms * k_millisecond_ns, NULL) ? next(set, events, room, 0) : -1;
+}
+
+EXPORT int epoll_pwait(int set, struct epoll_event *events, int room, int timeout_ms,
+                       const sigset_t *mask) {
+    FIND_NEXT(epoll_pwait, -1)
+    if (!shim_clock_mine()) {
+        return next(set, events, room, timeout_ms, mask);
+    }
+    return wait_for_set(set, timeout_ms * k_millisecond_ns, mask) ? next(set, events, room, 0, NULL)
+                                                                  : -1;
+}
+
+EXPORT int epoll_pwait2(int set, struct epoll_event *events, int room,
+                        const struct timespec *timeout, const sigset_t *mask) {
+    FIND_NEXT(epoll_pwait2, -1)
+    if (!shim_clock_mine() || !shim_is_timeout(timeout)) {
+        return next(set, events, room, timeout, mask);
+    }
+    const struct timespec none = {0, 0};
+    int64_t until_ns = shim_deadline_of(timeout);
+    int64_t timeout_ns = until_ns == SIM_CLOCK_NEVER ? -1 : until_ns - shim_clock_now();
+    return wait_for_set(set, timeout_ns, mask) ? next(set, events, room, &none, NULL) : -1;
 }
 
 /* --- reading --- */
@@ -283,7 +331,11 @@ static bool wait_readable(int fd) {
         shim_clock_glance();
         return true;
     }
-    return poll_until(&file, 1, SIM_CLOCK_NEVER) != -1;
+    return poll_until(&file, 1, SIM_CLOCK_NEVER, true) != -1;
+}
+
+static bool wait_received(int fd, int flags) {
+    return (flags & MSG_DONTWAIT) != 0 || wait_readable(fd);
 }
 
 EXPORT ssize_t read(int fd, void *buffer, size_t bytes) {
@@ -296,122 +348,36 @@ EXPORT ssize_t __read_chk(int fd, void *buffer, size_t bytes, size_t room) {
     return wait_readable(fd) ? next(fd, buffer, bytes, room) : -1;
 }
 
-/* --- message queues --- */
-
-struct receive_wait {
-    __typeof__(&msgrcv) next;
-    int queue;
-    void *message;
-    size_t bytes;
-    long type;
-    int flags;
-    ssize_t result;
-};
-
-/* Also true when the queue is gone: the attempt tells. */
-static bool queue_holds_something(void *what) {
-    const struct receive_wait *wait = what;
-    struct msqid_ds state;
-    return msgctl(wait->queue, IPC_STAT, &state) == -1 || state.msg_qnum > 0;
+EXPORT ssize_t recv(int fd, void *buffer, size_t bytes, int flags) {
+    FIND_NEXT(recv, -1)
+    return wait_received(fd, flags) ? next(fd, buffer, bytes, flags) : -1;
 }
 
-static bool receive_attempt(void *what) {
-    struct receive_wait *wait = what;
-    wait->result =
-        wait->next(wait->queue, wait->message, wait->bytes, wait->type, wait->flags | IPC_NOWAIT);
-    return wait->result != -1 || errno != ENOMSG;
+EXPORT ssize_t recvfrom(int fd, void *restrict buffer, size_t bytes, int flags, __SOCKADDR_ARG from,
+                        socklen_t *restrict size) {
+    FIND_NEXT(recvfrom, -1)
+    return wait_received(fd, flags) ? next(fd, buffer, bytes, flags, from, size) : -1;
 }
 
-static ssize_t received(int queue, const void *message, ssize_t result) {
-    if (result >= 0) {
-        shim_record(queue, message, (size_t)result);
-    }
-    return result;
+EXPORT ssize_t recvmsg(int fd, struct msghdr *message, int flags) {
+    FIND_NEXT(recvmsg, -1)
+    return wait_received(fd, flags) ? next(fd, message, flags) : -1;
 }
 
-EXPORT ssize_t msgrcv(int queue, void *message, size_t bytes, long type, int flags) {
-    FIND_NEXT(msgrcv, -1)
-    if (!shim_clock_mine() || (flags & IPC_NOWAIT) != 0) {
-        shim_clock_glance();
-        return received(queue, message, next(queue, message, bytes, type, flags));
-    }
-    struct receive_wait what = {next, queue, message, bytes, type, flags, -1};
-    struct shim_wait wait = {.ready = queue_holds_something,
-                             .attempt = receive_attempt,
-                             .what = &what,
-                             .until_ns = SIM_CLOCK_NEVER};
-    bool interrupted = false;
-    return received(queue, message, wait_for(wait, &interrupted) ? what.result : -1);
+EXPORT int accept(int fd, __SOCKADDR_ARG from, socklen_t *restrict size) {
+    FIND_NEXT(accept, -1)
+    return wait_readable(fd) ? next(fd, from, size) : -1;
 }
 
-struct send_wait {
-    __typeof__(&msgsnd) next;
-    int queue;
-    const void *message;
-    size_t bytes;
-    int flags;
-    int result;
-};
-
-static bool send_attempt(void *what) {
-    struct send_wait *wait = what;
-    wait->result = wait->next(wait->queue, wait->message, wait->bytes, wait->flags | IPC_NOWAIT);
-    return wait->result != -1 || errno != EAGAIN;
-}
-
-EXPORT int msgsnd(int queue, const void *message, size_t bytes, int flags) {
-    FIND_NEXT(msgsnd, -1)
-    if (!shim_clock_mine() || (flags & IPC_NOWAIT) != 0) {
-        return next(queue, message, bytes, flags);
-    }
-    struct send_wait what = {next, queue, message, bytes, flags, -1};
-    struct shim_wait wait = {.attempt = send_attempt, .what = &what, .until_ns = SIM_CLOCK_NEVER};
-    bool interrupted = false;
-    return wait_for(wait, &interrupted) ? what.result : -1;
-}
-
-/* --- signals --- */
-
-EXPORT int pause(void) {
-    FIND_NEXT(pause, -1)
-    if (!shim_clock_mine()) {
-        return next();
-    }
-    bool interrupted = false;
-    wait_for((struct shim_wait){.until_ns = SIM_CLOCK_NEVER}, &interrupted);
-    return -1;
-}
-
-struct signal_wait {
-    const sigset_t *set;
-    siginfo_t info;
-    int number;
-};
-
-static bool signal_attempt(void *what) {
-    struct signal_wait *wait = what;
-    const struct timespec none = {0, 0};
-    wait->number = sigtimedwait(wait->set, &wait->info, &none);
-    return wait->number != -1;
-}
-
-EXPORT int sigwait(const sigset_t *restrict set, int *restrict number) {
-    FIND_NEXT(sigwait, ENOSYS)
-    if (!shim_clock_mine()) {
-        return next(set, number);
-    }
-    struct signal_wait what = {.set = set, .number = -1};
-    struct shim_wait wait = {.attempt = signal_attempt, .what = &what, .until_ns = SIM_CLOCK_NEVER};
-    bool interrupted = false;
-    while (!wait_for(wait, &interrupted)) {
-    }
-    *number = what.number;
-    return 0;
+EXPORT int accept4(int fd, __SOCKADDR_ARG from, socklen_t *restrict size, int flags) {
+    FIND_NEXT(accept4, -1)
+    return wait_readable(fd) ? next(fd, from, size, flags) : -1;
 }
 
 /* --- named pipes --- */
 
 struct open_wait {
+    int folder;
     const char *path;
     int flags;
     int fd;
@@ -420,36 +386,37 @@ struct open_wait {
 /* A writer can be opened without waiting only when there is a reader. */
 static bool open_attempt(void *what) {
     struct open_wait *wait = what;
-    wait->fd = openat(AT_FDCWD, wait->path, wait->flags | O_NONBLOCK, 0);
+    wait->fd = openat(wait->folder, wait->path, wait->flags | O_NONBLOCK, 0);
     return wait->fd != -1 || errno != ENXIO;
 }
 
-static bool waits_for_other_end(const char *path, int flags) {
+static bool waits_for_other_end(int folder, const char *path, int flags) {
     struct stat file;
     if (path == NULL || !shim_clock_mine() || (flags & (O_NONBLOCK | O_PATH)) != 0 ||
         (flags & O_ACCMODE) == O_RDWR) {
         return false;
     }
     int saved_errno = errno;
-    bool pipe = fstatat(AT_FDCWD, path, &file, 0) == 0 && S_ISFIFO(file.st_mode);
+    bool pipe = fstatat(folder, path, &file, 0) == 0 && S_ISFIFO(file.st_mode);
     errno = saved_errno;
     return pipe;
 }
 
 /* A reader is open at once, so that writers find it, but is handed out only when one has come. */
-int shim_open_pipe(const char *path, int flags) {
-    if (!waits_for_other_end(path, flags)) {
+int shim_open_pipe(int folder, const char *path, int flags) {
+    if (!waits_for_other_end(folder, path, flags)) {
         return SHIM_NO_PIPE;
     }
-    struct open_wait what = {.path = path, .flags = flags, .fd = -1};
-    struct shim_wait wait = {.attempt = open_attempt, .what = &what, .until_ns = SIM_CLOCK_NEVER};
+    struct open_wait what = {.folder = folder, .path = path, .flags = flags, .fd = -1};
+    struct shim_wait wait = {
+        .attempt = open_attempt, .what = &what, .until_ns = SIM_CLOCK_NEVER, .restarts = true};
     bool interrupted = false;
-    if (!wait_for(wait, &interrupted) || what.fd == -1) {
+    if (!shim_wait_for(wait, &interrupted) || what.fd == -1) {
         return -1;
     }
     struct pollfd file = {.fd = what.fd, .events = POLLIN, .revents = 0};
     bool writes = (flags & O_ACCMODE) == O_WRONLY;
-    if (!writes && poll_until(&file, 1, SIM_CLOCK_NEVER) == -1) {
+    if (!writes && poll_until(&file, 1, SIM_CLOCK_NEVER, true) == -1) {
         close(what.fd);
         errno = EINTR;
         return -1;

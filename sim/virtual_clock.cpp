@@ -65,26 +65,43 @@ void virtual_clock::grant(int64_t horizon_ns) {
 
 void virtual_clock::run_free() {
     grant(SIM_CLOCK_NEVER);
+    begin_to_watch();
+}
+
+void virtual_clock::look_again() {
+    if (rests()) {
+        run_free();
+    }
+}
+
+void virtual_clock::keep_free() {
+    look_again();
+    watch();
+}
+
+void virtual_clock::begin_to_watch() {
+    m_seen_ns = load(m_share->now_ns);
+    m_seen_at = steady::now();
+}
+
+void virtual_clock::watch() {
+    if (load(m_share->now_ns) != m_seen_ns) {
+        begin_to_watch();
+    } else if (steady::now() - m_seen_at >= m_limit) {
+        complain();
+    }
 }
 
 void virtual_clock::run_until(steady::time_point until, const std::function<bool()> &leave) {
     grant(std::chrono::nanoseconds(until.time_since_epoch()).count());
-    int64_t seen_ns = load(m_share->now_ns);
-    auto seen_at = steady::now();
+    begin_to_watch();
     while (!rests() && !leave()) {
         const timespec slice = {.tv_sec = 0, .tv_nsec = k_slice_ns};
         const uint32_t rested = load(m_share->rested);
         if (rested != load(m_share->granted)) {
             syscall(SYS_futex, &m_share->rested, FUTEX_WAIT, rested, &slice, nullptr, 0);
         }
-        const int64_t now_ns = load(m_share->now_ns);
-        const auto now = steady::now();
-        if (now_ns != seen_ns) {
-            seen_ns = now_ns;
-            seen_at = now;
-        } else if (now - seen_at >= m_limit) {
-            complain();
-        }
+        watch();
     }
 }
 

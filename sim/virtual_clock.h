@@ -36,16 +36,24 @@ class virtual_clock {
     // Lets the host run without end; returns at once. Time goes as fast as the host can.
     void run_free();
 
-    // The host waits for something that no time brings about.
-    bool rests() const;
+    // Lets a host that runs free and rests look again: somebody else may have sent something.
+    void look_again();
+
+    // The same, to be called now and then. Throws failure when the clock does not get on.
+    void keep_free();
 
   private:
+    bool rests() const; // the host waits for something that no more time was granted for
+    void begin_to_watch();
+    void watch(); // throws failure when time has stood still for too long
     void grant(int64_t horizon_ns);
     [[noreturn]] void complain() const;
 
     std::chrono::seconds m_limit;
     shared_memory m_memory;
     sim_clock_share *m_share; // there
+    int64_t m_seen_ns = 0;    // simulated time, when it was last seen to get on:
+    steady::time_point m_seen_at;
 };
 
 } // namespace ux::sim

@@ -111,6 +111,21 @@ TEST_F(expect_test, what_could_not_fail_is_refused) {
     EXPECT_EQ(m_err, "ux-sim: --expect /nowhere is no folder\n");
 }
 
+TEST_F(expect_test, references_are_never_replaced_by_shots) {
+    keep_references();
+    const std::string reference = read_file(m_expected / "a.png");
+    for (const std::string &folder :
+         {m_expected.path(), m_expected.path() + "/../" +
+                                 std::filesystem::path(m_expected.path()).filename().string()}) {
+        play("key 77\nwait still 60\nshot a.png\n",
+             {"--expect", m_expected.path(), "--shots", folder});
+        EXPECT_EQ(m_status, 2);
+        EXPECT_EQ(m_err, "ux-sim: --expect and --shots name the same folder: a shot would replace "
+                         "its reference\n");
+        EXPECT_EQ(read_file(m_expected / "a.png"), reference);
+    }
+}
+
 // The limit of a file's size stands in for a full disk: the same error path, without mounting one.
 TEST_F(expect_test, a_full_disk_is_told_and_leaves_no_half_picture) {
     const std::string signal_file = m_expected / "go";

@@ -94,6 +94,15 @@ TEST(sim_options, virtual_time_begins_in_2025_unless_told) {
     EXPECT_EQ(parse({"--stall", "60", "h"}).run->stall_s, 60);
 }
 
+TEST(sim_options, refuses_dates_that_are_written_otherwise) {
+    for (const char *date : {" 2025-01-01", "2025-1-1", "2025-01-01T1:02", "2025-01-01T10:08:60",
+                             "2025-01-01 ", "+2025-01-01"}) {
+        EXPECT_EQ(complaint(parse, {"--date", date, "h"}),
+                  std::string("--date wants YYYY-MM-DD[THH:MM[:SS]], 1980 to 2099, not '") + date +
+                      "'; see ux-sim --help");
+    }
+}
+
 TEST(sim_options, web_takes_a_port_behind_an_equals_sign_only) {
     EXPECT_FALSE(parse({"h"}).run->web);
     const options any = parse({"--web", "5801"}).run.value();

@@ -161,6 +161,9 @@ TEST(script, complains_about_shots) {
     EXPECT_EQ(complaint("shot a..png"), plain + "'a..png'");
     EXPECT_EQ(complaint("shot .png"), plain + "'.png'");
     EXPECT_EQ(complaint("shot a.jpg"), plain + "'a.jpg'");
+    EXPECT_EQ(complaint(std::string("shot a\0b.png", 12)), plain + "'a?b.png'");
+    EXPECT_EQ(complaint("shot a\033.png"), plain + "'a?.png'");
+    EXPECT_EQ(complaint("shot diff-a.png"), "demo:1: a shot's name may not begin with diff-");
     EXPECT_EQ(complaint("shot a.png\nshot a.png"), "demo:2: the shot 'a.png' was taken already");
     EXPECT_NE(complaint("shot " + std::string(300, 'a') + ".png"), "");
 }
