@@ -89,7 +89,7 @@ class Queue:
 
 
 class Client:
-    """The least of a VNC viewer: no security, raw pixels."""
+    """The least of a VNC viewer: raw pixels."""
 
     def __init__(self, address, port):
         self.socket = socket.create_connection((address, port), LIMIT_S)
@@ -97,8 +97,12 @@ class Client:
         self.send(b"RFB 003.008\n")
         self.security = self.read(self.read(1)[0])
 
-    def start(self):
-        self.send(b"\x01")
+    def start(self, password=None):
+        if password:
+            self.send(b"\x02")
+            self.send(encrypted(self.read(16), password))
+        else:
+            self.send(b"\x01")
         assert self.unpack(">I") == (0,)
         self.send(b"\x01")
         self.width, self.height = self.unpack(">HH")
