@@ -157,7 +157,7 @@ class device_source : public frame_source {
 
     const frame_layout &layout() const override { return m_layout; }
     const std::byte *rows() override { return m_mapping->at(m_start + offset_of(read_mode())); }
-    void check() override { read_mode(); }
+    void check() override { offset_of(read_mode()); }
     std::string queue_path() const override { return sim::k_queue_default_path; }
 
   private:

@@ -233,4 +233,4 @@ class Origins(ViewTest):
 
 
 if __name__ == "__main__":
-    run_tests()
+    run_tests("simulator", "viewer")

@@ -19,7 +19,7 @@ LIMIT_S = 20
 LIBC = ctypes.CDLL(None, use_errno=True)
 IPC_CREAT, IPC_EXCL, IPC_RMID, IPC_NOWAIT = 0o1000, 0o2000, 0, 0o4000
 QUEUE_PROJECT = 40
-PROGRAMS = {}  # paths of "simulator" and "viewer", from the command line
+PROGRAMS = {}  # paths by name, from the command line
 
 
 def eventually(condition):
@@ -213,6 +213,8 @@ class ViewTest(unittest.TestCase):
         return done.returncode, done.stderr
 
 
-def run_tests():
-    PROGRAMS["simulator"], PROGRAMS["viewer"] = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+def run_tests(*names):
+    """The programs of these names come first on the command line, then what unittest knows."""
+    words = sys.argv[1:]
+    PROGRAMS.update(zip(names, words))
+    unittest.main(argv=sys.argv[:1] + words[len(names):])

@@ -378,4 +378,4 @@ class Speed(ViewTest):
 
 
 if __name__ == "__main__":
-    run_tests()
+    run_tests("simulator", "viewer")
