@@ -16,8 +16,8 @@ namespace ux::view {
 
 namespace {
 
-constexpr int k_backlog = 16;
-constexpr int k_tries = 16; // for a port that is free at every address
+constexpr int k_backlog = 128; // a full one costs a newcomer a second
+constexpr int k_tries = 16;    // for a port that is free at every address
 
 struct endpoint {
     sockaddr_storage name{};

@@ -232,5 +232,49 @@ class Origins(ViewTest):
         self.assertGreater(time.monotonic() - begun, 0.9)
 
 
+class Pages(ViewTest):
+    def setUp(self):
+        super().setUp()
+        root = Path(self.folder.name, "root")
+        Path(root, "core").mkdir(parents=True)
+        for name in ("vnc.html", "core/rfb.js"):
+            Path(root, name).write_text("the file")
+        viewer = self.view("--web-port", "0", "--web-root", str(root),
+                           self.simulate("32x16", "argb8888"))
+        self.web_port = int(viewer.find(r"web http://127\.0\.0\.1:(\d+)/\n", viewer.out))
+
+    def dial(self):
+        connection = socket.create_connection(("127.0.0.1", self.web_port), LIMIT_S)
+        self.addCleanup(connection.close)
+        return connection
+
+    def ask(self, *texts):
+        connection = self.dial()
+        for text in texts:
+            connection.sendall(text)
+        answer = b""
+        while part := connection.recv(4096):
+            answer += part
+        return answer
+
+    def test_silent_browsers_keep_nobody_out(self):
+        for _ in range(100):
+            self.dial()
+        begun = time.monotonic()
+        answer = self.ask(b"GET /core/rfb.js HTTP/1.1\r\n\r\n")
+        self.assertTrue(answer.startswith(b"HTTP/1.1 200 OK\r\n"))
+        self.assertTrue(answer.endswith(b"\r\n\r\nthe file"))
+        self.assertLess(time.monotonic() - begun, PROMPT_S)
+
+    def test_an_answer_survives_what_is_sent_behind_the_request(self):
+        for begin, status in ((b"POST / HTTP/1.1\r\n\r\n", b"405"), (b"GET /", b"431"),
+                              (b"GET /core/rfb.js HTTP/1.1\r\n\r\n", b"200"),
+                              (b"GET /core\0rfb.js HTTP/1.1\r\n\r\n", b"404")):
+            for _ in range(5):
+                answer = self.ask(begin, *[b"x" * 50000] * 20)
+                self.assertEqual(answer.split()[1], status)
+                self.assertIn(b"\r\n\r\n", answer)
+
+
 if __name__ == "__main__":
     run_tests("simulator", "viewer")
