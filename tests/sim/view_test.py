@@ -84,6 +84,22 @@ class Input(ViewTest):
         time.sleep(0.2)
         self.assertTrue(self.queue.is_empty())
 
+    def test_every_key_has_the_remote_controls_code(self):
+        symbols = {19: (0xFF52, 0xFF97), 20: (0xFF54, 0xFF99), 21: (0xFF51, 0xFF96),
+                   22: (0xFF53, 0xFF98), 23: (0xFF0D, 0xFF8D), 32: (0xFF08, 0xFFFF, 0xFF9F),
+                   34: (0xFFE1, 0xFFE2), 35: (0x2E, 0xFFAE)}
+        for digit in range(10):
+            symbols[1 + digit] = (0x30 + digit, 0xFFB0 + digit)
+        client = self.connect().start()
+        for code, keys in symbols.items():
+            for symbol in keys:
+                client.key(symbol)
+                self.assertEqual(self.queue.receive(), (code, 1, 0, 0), hex(symbol))
+        for symbol in (0xFF09, 0xFF1B, 0xFFE3, 0xFFE9, 0x20, 0x61, 0x2F, 0x3A, 0, 0xFFFFFFFF):
+            client.key(symbol)
+        time.sleep(0.2)
+        self.assertTrue(self.queue.is_empty())
+
     def test_pressing_the_pointer_is_a_touch_and_moving_it_is_none(self):
         client = self.connect().start()
         client.pointer(0, 3, 4)
