@@ -127,6 +127,18 @@ class Input(ViewTest):
         self.assertEqual(self.queue.receive(), (20, 1, 0, 0))
 
 
+    def test_a_queue_that_nobody_reads_is_told_and_what_waits_is_dropped(self):
+        client = self.connect().start()
+        client.key(ord("1"))  # lies in the queue
+        client.key(ord("2"))  # waits
+        self.assertEqual(eventually(self.viewer.err),
+                         f"ux-view: nobody takes the input from the queue for {self.folder.name}; "
+                         "is the host running?\n")
+        self.assertEqual(self.queue.receive(), (2, 1, 0, 0))
+        client.key(ord("3"))
+        self.assertEqual(self.queue.receive(), (4, 1, 0, 0))
+
+
 class Addresses(ViewTest):
     def listening(self, viewer):
         """Addresses at which the process listens, by the kernel's tables."""
