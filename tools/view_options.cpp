@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 #include <getopt.h>
@@ -98,6 +100,12 @@ std::string read_password(const std::string &path) {
     if (password.empty() || password.size() > k_longest_password || !typed) {
         throw usage_failure("the password in " + path + " must have 1 to " +
                             std::to_string(k_longest_password) + " printable ASCII characters");
+    }
+    std::error_code ignored;
+    using std::filesystem::perms;
+    if ((std::filesystem::status(path, ignored).permissions() & perms::others_read) !=
+        perms::none) {
+        std::fprintf(stderr, "ux-view: every user may read %s\n", path.c_str());
     }
     return password;
 }

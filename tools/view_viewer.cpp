@@ -23,6 +23,8 @@ namespace {
 constexpr int k_longest_client_wait_ms = 5000; // for a viewer that stops in a message's middle
 constexpr unsigned k_longest_greeting_s = 60;  // somebody may have to type a password
 constexpr unsigned k_wrong_password_pause_s = 1;
+constexpr int k_keep_alive_s = 20;
+constexpr int k_longest_absence_ms = 60000;
 constexpr int k_first_button = 1;
 
 class viewer {
@@ -228,9 +230,14 @@ rfbBool viewer::on_password(rfbClientPtr client, const char *response, int bytes
 } // namespace
 
 void serve_viewer(const viewer_task &task) {
-    const int on = 1;
-    setsockopt(task.connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    setsockopt(task.connection, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+    const auto set = [&](int level, int option, int value) {
+        setsockopt(task.connection, level, option, &value, sizeof value);
+    };
+    set(IPPROTO_TCP, TCP_NODELAY, 1);
+    set(SOL_SOCKET, SO_KEEPALIVE, 1); // a machine that has gone shall not keep its place
+    set(IPPROTO_TCP, TCP_KEEPIDLE, k_keep_alive_s);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, k_keep_alive_s);
+    set(IPPROTO_TCP, TCP_USER_TIMEOUT, k_longest_absence_ms);
     viewer(task).serve();
 }
 

@@ -202,6 +202,15 @@ class Addresses(ViewTest):
                 client.send(encrypted(client.read(16), b"secret"))
                 self.assertEqual(client.unpack(">I"), (0,))
 
+    def test_a_password_that_every_user_may_read_is_remarked_upon(self):
+        folder = self.simulate("32x16", "argb8888")
+        file = Path(self.folder.name, "password")
+        file.write_text("secret\n")
+        for mode, text in ((0o644, f"ux-view: every user may read {file}\n"), (0o640, "")):
+            file.chmod(mode)
+            viewer = self.view("--password-file", str(file), folder)
+            self.assertEqual(viewer.err(), text)
+
     def test_a_busy_port_is_named(self):
         folder = self.simulate("32x16", "argb8888")
         with socket.create_server(("127.0.0.1", 0)) as other:
