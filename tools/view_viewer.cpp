@@ -23,7 +23,7 @@ namespace {
 constexpr int k_longest_client_wait_ms = 5000; // for a viewer that stops in a message's middle
 constexpr unsigned k_longest_greeting_s = 60;  // somebody may have to type a password
 constexpr unsigned k_wrong_password_pause_s = 1;
-constexpr int k_keep_alive_s = 20;
+constexpr int k_keep_alive_s = 20; // from question to question
 constexpr int k_longest_absence_ms = 60000;
 constexpr int k_first_button = 1;
 
@@ -120,9 +120,10 @@ void viewer::ask_password() {
     }
 }
 
-// The library takes a socket on which 100 ms pass without a word for a viewer of VNC, and waits for
-// ever when a single byte comes. So it meets a socket of our own first, which begins as viewers do
-// and gets the greeting; then the viewer's takes its place.
+// The library takes a socket on which 100 ms pass without a word for a viewer of VNC, one that
+// speaks later for a browser, unexamined, and may wait for ever when less than four bytes come. So
+// it meets a socket of our own first, which begins as viewers do and gets the greeting; then the
+// viewer's takes its place.
 void viewer::admit_silent_one() {
     constexpr ssize_t k_greeting = 12; // bytes
     std::array<int, 2> pair{};

@@ -56,9 +56,13 @@ class Hostile(ViewTest):
         self.assert_served()
         self.assertIsNone(viewer.process.poll())
 
-    def test_a_first_byte_without_a_second_holds_up_nobody(self):
+    def test_the_first_bytes_without_the_next_hold_up_nobody(self):
         self.view(self.simulate("32x16", "argb8888"))
-        self.dial().sendall(b"G")
+        for text in (b"G", b"GE", b"R"):
+            other = self.dial()
+            time.sleep(0.05)  # it is being waited for
+            other.sendall(text)
+            self.assert_served()
         late = self.dial()
         late.recv(12)  # greeted
         late.sendall(b"R")
