@@ -32,7 +32,7 @@ key() {
 
 02-buttons > /dev/null 2> /tmp/host.err &
 host=$!
-echo picture > /tmp/password
+(umask 077 && echo picture > /tmp/password)
 ux-view --no-web --listen 10.0.2.15 --password-file /tmp/password /dev/fb0 > /dev/null \
     2> /tmp/view.err &
 view=$!
