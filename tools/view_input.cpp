@@ -15,6 +15,7 @@ namespace ux::view {
 namespace {
 
 constexpr size_t k_most_waiting = 32;
+constexpr std::chrono::seconds k_patience{5}; // with a host that takes nothing
 
 } // namespace
 
@@ -57,6 +58,9 @@ std::optional<int> key_of_symbol(uint32_t symbol) {
 }
 
 void view_input::post(const sim::input_message &message) {
+    if (m_waiting.empty()) {
+        m_waiting_since = sim::steady::now();
+    }
     if (m_waiting.size() < k_most_waiting) {
         m_waiting.push_back(message);
     }
@@ -70,7 +74,11 @@ void view_input::step(sim::steady::time_point now) {
         if (send(m_waiting.front())) {
             m_waiting.pop_front();
             m_last_sent = now;
+            m_waiting_since = now;
             m_complaint.clear();
+        } else if (now - m_waiting_since > k_patience) {
+            throw sim::failure("nobody takes the input from the queue for " + m_queue_path +
+                               "; is the host running?");
         }
     } catch (const sim::failure &error) {
         m_waiting.clear();

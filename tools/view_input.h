@@ -25,8 +25,8 @@ class view_input {
     void post(const sim::input_message &message);
 
     // To be called often. The queue is looked up anew for each message, since hosts come and go;
-    // while there is none, messages are dropped. Never throws failure: its text goes to standard
-    // error, once for a row of equal ones.
+    // while there is none, or nobody takes anything from it for seconds, messages are dropped.
+    // Never throws failure: its text goes to standard error, once for a row of equal ones.
     void step(sim::steady::time_point now);
 
     bool idle() const { return m_waiting.empty(); }
@@ -38,7 +38,8 @@ class view_input {
     std::string m_queue_path;
     std::deque<sim::input_message> m_waiting;
     sim::steady::time_point m_last_sent;
-    std::string m_complaint; // the last one
+    sim::steady::time_point m_waiting_since; // for the first of them to be sent
+    std::string m_complaint;                 // the last one
 };
 
 } // namespace ux::view

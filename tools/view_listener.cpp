@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <utility>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -17,8 +16,8 @@ namespace ux::view {
 
 namespace {
 
-constexpr int k_backlog = 16;
-constexpr int k_tries = 16; // for a port that is free at every address
+constexpr int k_backlog = 128; // a full one costs a newcomer a second
+constexpr int k_tries = 16;    // for a port that is free at every address
 
 struct endpoint {
     sockaddr_storage name{};
@@ -126,23 +125,6 @@ std::optional<address_kind> address_kind_of(const std::string &address) {
 std::string address_with_port(const std::string &address, int port) {
     const bool six = address.find(':') != std::string::npos;
     return (six ? "[" + address + "]" : address) + ":" + std::to_string(port);
-}
-
-listener::listener(listener &&other) noexcept
-    : m_address(std::move(other.m_address)), m_fd(std::exchange(other.m_fd, -1)),
-      m_port(other.m_port) {}
-
-listener &listener::operator=(listener &&other) noexcept {
-    std::swap(m_address, other.m_address);
-    std::swap(m_fd, other.m_fd);
-    std::swap(m_port, other.m_port);
-    return *this;
-}
-
-listener::~listener() {
-    if (m_fd != -1) {
-        close(m_fd);
-    }
 }
 
 std::vector<listener> listen_at(const std::vector<std::string> &addresses,

@@ -2,6 +2,8 @@
 // Sockets that wait for viewers: at which addresses, and with which of them a password is a must.
 #pragma once
 
+#include "tools/view_fd.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,17 +23,14 @@ class listener {
   public:
     listener(const std::string &address, int fd, int port)
         : m_address(address), m_fd(fd), m_port(port) {}
-    listener(listener &&other) noexcept;
-    listener &operator=(listener &&other) noexcept;
-    ~listener();
 
     const std::string &address() const { return m_address; }
-    int fd() const { return m_fd; }
+    int fd() const { return m_fd.get(); }
     int port() const { return m_port; }
 
   private:
     std::string m_address;
-    int m_fd; // -1 after a move
+    owned_fd m_fd;
     int m_port;
 };
 

@@ -6,7 +6,10 @@
 #include "sim/number.h"
 #include "tools/view_listener.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 #include <getopt.h>
@@ -33,7 +36,7 @@ Shows a screen over VNC and in browsers, and sends keys and touches back: the fr
   --web, --no-web        the browser page is a must, or is not wanted
   --listen ADDRESS       instead of 127.0.0.1 and ::1; may be given twice.
                          Any address but the loopback's wants a password
-  --password-file FILE   ask viewers for the first line of FILE, 1 to 8 characters
+  --password-file FILE   ask viewers for the first line of FILE, 1 to 8 ASCII characters
   --queue-path PATH      the input queue named by PATH (default: the simulator's; /tmp on a device)
   --help, --version
 )";
@@ -91,10 +94,20 @@ std::string read_password(const std::string &path) {
     if (!file || (!std::getline(file, password) && file.bad())) {
         throw failure(sim::system_reason("cannot read " + path));
     }
-    if (password.empty() || password.size() > k_longest_password ||
-        password.find('\0') != std::string::npos) {
+    if (password.ends_with('\r')) { // of editors that end lines so
+        password.pop_back();
+    }
+    // Viewers disagree about the bytes of other characters.
+    const bool typed = std::ranges::all_of(password, [](char c) { return c >= ' ' && c <= '~'; });
+    if (password.empty() || password.size() > k_longest_password || !typed) {
         throw usage_failure("the password in " + path + " must have 1 to " +
-                            std::to_string(k_longest_password) + " characters");
+                            std::to_string(k_longest_password) + " printable ASCII characters");
+    }
+    std::error_code ignored;
+    using std::filesystem::perms;
+    if ((std::filesystem::status(path, ignored).permissions() & perms::others_read) !=
+        perms::none) {
+        std::fprintf(stderr, "ux-view: every user may read %s\n", path.c_str());
     }
     return password;
 }

@@ -1,156 +1,176 @@
 // SPDX-License-Identifier: MIT
-// libvncserver, fed with sockets and pictures of our own.
+// The processes of viewers: starting, hearing and ending them.
 #include "tools/view_server.h"
 
-#include "sim/failure.h"
+#include "tools/view_viewer.h"
 
 #include <algorithm>
-#include <limits>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
 
 namespace ux::view {
 
 namespace {
 
-constexpr int k_most_viewers = 16;
-constexpr int k_longest_client_wait_ms = 2000; // for a viewer that stops in a message's middle
-constexpr int k_first_button = 1;
+constexpr size_t k_most_viewers = 16;
+constexpr size_t k_most_at_the_door = 16;
+constexpr int k_newcomers_at_once = 4; // the others' pictures go on
+constexpr int k_reports_at_once = 64;
 
-view_server &server_of(rfbClientPtr client) {
-    return *static_cast<view_server *>(client->screen->screenData);
-}
-
-uint16_t highest(const channel &part) {
-    return static_cast<uint16_t>((1u << part.bits) - 1);
-}
-
-int viewers(rfbScreenInfoPtr screen) {
-    int count = 0;
-    for (rfbClientPtr client = screen->clientHead; client != nullptr; client = client->next) {
-        ++count;
+// The new process keeps nothing that is ux-view's but its task's two sockets, and ends with it.
+void leave_home(pid_t home, int connection, int channel) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != home) {
+        _exit(0);
     }
-    return count;
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (int number : {SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(number, SIG_DFL);
+        sigaddset(&ending, number);
+    }
+    sigprocmask(SIG_UNBLOCK, &ending, nullptr);
+    for (int fd = STDERR_FILENO + 1; fd < FD_SETSIZE; ++fd) {
+        if (fd != connection && fd != channel) {
+            close(fd);
+        }
+    }
+}
+
+int run(const viewer_task &task) {
+    try {
+        serve_viewer(task);
+        return 0;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ux-view: %s\n", error.what());
+        return 1;
+    }
 }
 
 } // namespace
 
+view_server::viewer_process::~viewer_process() {
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
+}
+
 view_server::view_server(frame_source &source, view_input &input, std::vector<listener> sockets,
                          const std::string &name, const std::string &password)
-    : m_source(source), m_input(input), m_sockets(std::move(sockets)), m_watch(source.layout()),
-      m_name(name), m_password(password) {
-    const frame_layout &layout = source.layout();
-    constexpr int k_colours = 3;
-    constexpr int k_bits_of_red = 5;
-    rfbLogEnable(FALSE);
-    rfbMaxClientWait = k_longest_client_wait_ms;
-    m_screen = rfbGetScreen(nullptr, nullptr, layout.width, layout.height, k_bits_of_red, k_colours,
-                            layout.bits_per_pixel / 8);
-    if (m_screen == nullptr) {
-        throw sim::failure("cannot set up VNC");
-    }
-    shape_pixels(layout);
-    m_screen->frameBuffer = reinterpret_cast<char *>(m_watch.copy());
-    m_screen->desktopName = m_name.c_str();
-    m_screen->alwaysShared = TRUE;
-    m_screen->cursor = nullptr;    // the screen shows its own, if any
-    m_screen->deferUpdateTime = 0; // looks are rare enough
-    m_screen->deferPtrUpdateTime = 0;
-    m_screen->screenData = this;
-    m_screen->kbdAddEvent = on_key;
-    m_screen->ptrAddEvent = on_pointer;
-    m_screen->newClientHook = on_client;
-    if (!m_password.empty()) {
-        m_passwords[0] = m_password.data();
-        m_screen->authPasswdData = m_passwords.data();
-        m_screen->passwordCheck = rfbCheckPasswordByList;
-    }
-    take_sockets();
-}
-
-view_server::~view_server() {
-    m_screen->listenSock = RFB_INVALID_SOCKET; // both are closed by their owners
-    m_screen->listen6Sock = RFB_INVALID_SOCKET;
-    rfbShutdownServer(m_screen, TRUE);
-    m_screen->frameBuffer = nullptr; // not the library's
-    rfbScreenCleanup(m_screen);
-}
-
-void view_server::shape_pixels(const frame_layout &layout) {
-    rfbPixelFormat &format = m_screen->serverFormat;
-    format.bitsPerPixel = static_cast<uint8_t>(layout.bits_per_pixel);
-    format.depth = static_cast<uint8_t>(layout.red.bits + layout.green.bits + layout.blue.bits);
-    format.trueColour = 1;
-    format.redMax = highest(layout.red);
-    format.greenMax = highest(layout.green);
-    format.blueMax = highest(layout.blue);
-    format.redShift = static_cast<uint8_t>(layout.red.shift);
-    format.greenShift = static_cast<uint8_t>(layout.green.shift);
-    format.blueShift = static_cast<uint8_t>(layout.blue.shift);
-    m_screen->depth = format.depth;
-    m_screen->bitsPerPixel = format.bitsPerPixel;
-    m_screen->paddedWidthInBytes = static_cast<int>(layout.row_bytes());
-}
-
-// Of its own sockets the library tells no errors, and opens IPv6 to everybody. It takes a socket of
-// either family in either place.
-void view_server::take_sockets() {
-    m_screen->port = 0;
-    m_screen->ipv6port = 0;
-    m_screen->autoPort = FALSE;
-    m_screen->httpInitDone = TRUE;
-    rfbInitServer(m_screen);
-    const std::array<rfbSocket *, 2> places = {&m_screen->listenSock, &m_screen->listen6Sock};
-    for (size_t at = 0; at < std::min(places.size(), m_sockets.size()); ++at) {
-        *places.at(at) = m_sockets[at].fd();
-        FD_SET(m_sockets[at].fd(), &m_screen->allFds);
-        m_screen->maxFd = std::max(m_screen->maxFd, m_sockets[at].fd());
-    }
-}
+    : m_source(source), m_input(input), m_sockets(std::move(sockets)), m_picture(source.layout()),
+      m_watch(m_picture), m_name(name), m_password(password) {}
 
 int view_server::add_to(fd_set &wanted) const {
-    for (int fd = 0; fd <= m_screen->maxFd; ++fd) {
-        if (FD_ISSET(fd, &m_screen->allFds)) {
-            FD_SET(fd, &wanted);
-        }
+    int highest = -1;
+    const auto add = [&](int fd) {
+        FD_SET(fd, &wanted);
+        highest = std::max(highest, fd);
+    };
+    for (const listener &socket : m_sockets) {
+        add(socket.fd());
     }
-    return m_screen->maxFd;
+    for (const viewer_process &viewer : m_viewers) {
+        add(viewer.channel.get());
+    }
+    return highest;
 }
 
 void view_server::look() {
     const std::byte *rows = m_source.rows();
-    const auto changed = m_newcomer ? m_watch.look_whole(rows) : m_watch.look(rows);
+    const bool changed = m_newcomer ? m_watch.look_whole(rows) : m_watch.look(rows);
     m_newcomer = false;
-    for (const sim::row_range &run : changed) {
-        rfbMarkRectAsModified(m_screen, 0, run.first, m_screen->width, run.first + run.count);
+    if (!changed) {
+        return;
+    }
+    for (const viewer_process &viewer : m_viewers) {
+        // One that has not taken the packets before will see this change with them.
+        send(viewer.channel.get(), "", 1, MSG_DONTWAIT | MSG_NOSIGNAL);
     }
 }
 
 void view_server::serve() {
-    rfbProcessEvents(m_screen, 0);
+    m_viewers.remove_if([&](viewer_process &viewer) { return !hear(viewer); });
+    take_newcomers();
 }
 
-void view_server::on_key(rfbBool down, rfbKeySym symbol, rfbClientPtr client) {
-    const auto key = key_of_symbol(symbol);
-    if (down && key) {
-        server_of(client).m_input.post(sim::key_message(*key));
+size_t view_server::count(bool is_in) const {
+    return static_cast<size_t>(std::ranges::count(m_viewers, is_in, &viewer_process::is_in));
+}
+
+// False when the viewer has gone or may not stay.
+bool view_server::hear(viewer_process &viewer) {
+    for (int heard = 0; heard < k_reports_at_once; ++heard) {
+        viewer_report report;
+        const ssize_t bytes = recv(viewer.channel.get(), &report, sizeof report, MSG_DONTWAIT);
+        if (bytes != sizeof report) {
+            return bytes == -1 && (errno == EAGAIN || errno == EINTR);
+        }
+        if (report.kind == report_kind::came_in) {
+            if (count(true) == k_most_viewers) {
+                return false;
+            }
+            viewer.is_in = true;
+        } else if (!report.repeated || m_input.idle()) {
+            m_input.post(report.message);
+        }
+    }
+    return true;
+}
+
+void view_server::take_newcomers() {
+    for (const listener &socket : m_sockets) {
+        for (int taken = 0; taken < k_newcomers_at_once; ++taken) {
+            const int fd = accept4(socket.fd(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+            if (fd == -1) {
+                break;
+            }
+            const owned_fd connection(fd);
+            if (count(true) < k_most_viewers) {
+                make_room_at_the_door();
+                start_process(fd);
+            }
+        }
     }
 }
 
-void view_server::on_pointer(int buttons, int x, int y, rfbClientPtr client) {
-    const bool was_down = (client->lastPtrButtons & k_first_button) != 0;
-    if (was_down || (buttons & k_first_button) == 0) {
-        return;
+// Those who say nothing shall not keep the others out: the first to come goes.
+void view_server::make_room_at_the_door() {
+    if (count(false) == k_most_at_the_door) {
+        m_viewers.erase(std::ranges::find(m_viewers, false, &viewer_process::is_in));
     }
-    server_of(client).m_input.post(sim::touch_message(
-        std::clamp(x, 0, client->screen->width - 1), std::clamp(y, 0, client->screen->height - 1)));
 }
 
-// While nobody looked, nothing was compared.
-rfbNewClientAction view_server::on_client(rfbClientPtr client) {
-    if (viewers(client->screen) > k_most_viewers) {
-        return RFB_CLIENT_REFUSE;
+// While nobody looked, nothing was compared: the newcomer's first picture must be a new one.
+void view_server::start_process(int connection) {
+    if (m_viewers.empty()) {
+        m_watch.look_whole(m_source.rows());
     }
-    server_of(client).m_newcomer = true;
-    return RFB_CLIENT_ACCEPT;
+    m_newcomer = true;
+    std::array<int, 2> pair{};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair.data()) != 0) {
+        return; // no descriptor is free: the viewer is turned away
+    }
+    owned_fd ours(pair[0]);
+    const owned_fd theirs(pair[1]);
+    const pid_t home = getpid();
+    const pid_t process = fork();
+    if (process == 0) {
+        leave_home(home, connection, theirs.get());
+        _exit(run({.connection = connection,
+                   .channel = theirs.get(),
+                   .picture = m_picture,
+                   .name = m_name,
+                   .password = m_password}));
+    }
+    if (process != -1) {
+        m_viewers.emplace_back(process, std::move(ours));
+    }
 }
 
 } // namespace ux::view

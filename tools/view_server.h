@@ -1,59 +1,75 @@
 // SPDX-License-Identifier: MIT
-// The VNC side of ux-view: viewers, the picture they see, and their keys and touches.
+// The VNC side of ux-view: lets viewers in, a process for each, shows them the picture, and passes
+// on their keys and touches.
 #pragma once
 
+#include "tools/view_fd.h"
 #include "tools/view_input.h"
 #include "tools/view_listener.h"
+#include "tools/view_picture.h"
 #include "tools/view_source.h"
 #include "tools/view_watch.h"
 
-#include <array>
+#include <list>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <rfb/rfb.h>
-
 #include <sys/select.h>
+#include <sys/types.h>
 
 namespace ux::view {
 
 class view_server {
   public:
-    // Takes at most two sockets; an empty password asks for none. Throws failure.
+    // An empty password asks for none. Throws failure.
     view_server(frame_source &source, view_input &input, std::vector<listener> sockets,
                 const std::string &name, const std::string &password);
     view_server(const view_server &) = delete;
     view_server &operator=(const view_server &) = delete;
-    ~view_server();
+    ~view_server() = default;
 
     // Somebody looks.
-    bool watched() const { return m_screen->clientHead != nullptr; }
+    bool watched() const { return !m_viewers.empty(); }
 
     // Adds the sockets to wait for; the highest one.
     int add_to(fd_set &wanted) const;
 
-    // Looks at the source and tells the viewers what has changed.
+    // Looks at the source and tells the viewers when something has changed.
     void look();
 
-    // Serves whoever is ready; waits for none that behaves.
+    // Takes what viewers have sent, and newcomers; never waits.
     void serve();
 
   private:
-    static void on_key(rfbBool down, rfbKeySym symbol, rfbClientPtr client);
-    static void on_pointer(int buttons, int x, int y, rfbClientPtr client);
-    static rfbNewClientAction on_client(rfbClientPtr client);
-    void shape_pixels(const frame_layout &layout);
-    void take_sockets();
+    // Ends with its owner.
+    struct viewer_process {
+        viewer_process(pid_t number, owned_fd &&socket)
+            : process(number), channel(std::move(socket)) {}
+        viewer_process(const viewer_process &) = delete;
+        viewer_process &operator=(const viewer_process &) = delete;
+        ~viewer_process();
+
+        pid_t process;
+        owned_fd channel;
+        bool is_in = false; // else at the door
+    };
+
+    size_t count(bool is_in) const;
+    bool hear(viewer_process &viewer);
+    void take_newcomers();
+    void make_room_at_the_door();
+    void start_process(int connection);
 
     frame_source &m_source;
     view_input &m_input;
     std::vector<listener> m_sockets;
+    view_picture m_picture;
     view_watch m_watch;
     std::string m_name;
     std::string m_password;
-    std::array<char *, 2> m_passwords{}; // the list of one that the library wants
-    rfbScreenInfoPtr m_screen = nullptr;
-    bool m_newcomer = false; // since the last look
+    std::list<viewer_process> m_viewers; // in the order of their coming
+    bool m_newcomer = false;             // since the last look
 };
 
 } // namespace ux::view

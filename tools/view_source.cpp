@@ -5,6 +5,7 @@
 #include "sim/failure.h"
 #include "sim/input_queue.h"
 #include "sim/screen_note.h"
+#include "tools/view_fd.h"
 
 #include <cerrno>
 
@@ -23,22 +24,6 @@ using sim::failure;
 using sim::system_reason;
 
 namespace {
-
-class owned_fd {
-  public:
-    explicit owned_fd(int fd) : m_fd(fd) {}
-    owned_fd(const owned_fd &) = delete;
-    owned_fd &operator=(const owned_fd &) = delete;
-    ~owned_fd() {
-        if (m_fd != -1) {
-            close(m_fd);
-        }
-    }
-    int get() const { return m_fd; }
-
-  private:
-    int m_fd;
-};
 
 int open_for_reading(const std::string &path) {
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
@@ -172,7 +157,7 @@ class device_source : public frame_source {
 
     const frame_layout &layout() const override { return m_layout; }
     const std::byte *rows() override { return m_mapping->at(m_start + offset_of(read_mode())); }
-    void check() override { read_mode(); }
+    void check() override { offset_of(read_mode()); }
     std::string queue_path() const override { return sim::k_queue_default_path; }
 
   private:

@@ -32,11 +32,11 @@ class frame_source {
 
     virtual const frame_layout &layout() const = 0;
 
-    // The first row as it is shown now. Throws failure when the source is gone or has changed its
+    // The first row as it is shown now. Throws failure when the source has gone or has changed its
     // shape.
     virtual const std::byte *rows() = 0;
 
-    // Throws failure when the source is gone; cheaper than rows().
+    // Throws failure as rows() does, but reads no picture.
     virtual void check() = 0;
 
     // Names the queue of whoever paints there.

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
-// A copy of the screen that notices what has changed, and costs little while nothing does.
+// Compares the screen with its copy to notice what has changed; costs little while nothing does.
 //
 // A still screen is sampled: each look compares every eighth row, the next look the rows below, so
 // that a change of eight rows is seen at once and a single row within eight looks. The first
 // difference makes the look a whole one, and looks stay whole as long as something moves.
 #pragma once
 
-#include "sim/screen.h"
-#include "tools/view_source.h"
+#include "tools/view_picture.h"
 
 #include <cstddef>
-#include <vector>
 
 namespace ux::view {
 
@@ -18,24 +16,20 @@ constexpr int k_sample_step = 8; // rows
 
 class view_watch {
   public:
-    explicit view_watch(const frame_layout &layout);
+    explicit view_watch(view_picture &picture) : m_picture(picture) {}
 
-    // The runs of rows that differ from the last look; they are copied. `rows` has the layout's
+    // Copies the rows that differ from the picture; whether there were any. `rows` has the layout's
     // pitch.
-    std::vector<sim::row_range> look(const std::byte *rows);
+    bool look(const std::byte *rows);
 
     // The same without sampling.
-    std::vector<sim::row_range> look_whole(const std::byte *rows);
-
-    // Rows packed.
-    std::byte *copy() { return m_copy.data(); }
+    bool look_whole(const std::byte *rows);
 
   private:
     bool row_differs(const std::byte *rows, int row) const;
     bool sample_differs(const std::byte *rows) const;
 
-    frame_layout m_layout;
-    std::vector<std::byte> m_copy;
+    view_picture &m_picture;
     int m_first_sample = 0;
     bool m_moving = false;
 };

@@ -80,6 +80,13 @@ bool would_wait(ssize_t result) {
     return result == -1 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
 }
 
+// Drops some of what has come; false when no more will.
+bool drain(int fd) {
+    std::array<char, 65536> part{};
+    const ssize_t bytes = recv(fd, part.data(), part.size(), 0);
+    return bytes > 0 || would_wait(bytes);
+}
+
 std::string page_for(int vnc_port) {
     std::string page(k_view_page);
     page.replace(page.find(k_port_mark), k_port_mark.size(), std::to_string(vnc_port));
@@ -113,7 +120,7 @@ int web_server::add_to(fd_set &reading, fd_set &writing) const {
         highest = std::max(highest, socket.fd());
     }
     for (const connection &one : m_connections) {
-        FD_SET(one.fd, one.answer.empty() ? &reading : &writing);
+        FD_SET(one.fd, one.answer.empty() || one.is_over ? &reading : &writing);
         highest = std::max(highest, one.fd);
     }
     return highest;
@@ -132,17 +139,21 @@ void web_server::accept_all(sim::steady::time_point now) {
             if (fd == -1) {
                 break;
             }
-            if (m_connections.size() == k_most_connections || fd >= FD_SETSIZE) {
+            if (fd >= FD_SETSIZE) {
                 close(fd);
                 continue;
+            }
+            // Those who say nothing shall not keep the others out: the first to come goes.
+            if (m_connections.size() == k_most_connections) {
+                m_connections.pop_front();
             }
             m_connections.emplace_back(fd, now);
         }
     }
 }
 
-// Reads, answers and sends as much as goes without waiting; false when the connection is over.
-bool web_server::step(connection &one) const {
+// Reads until there is an answer, as much as goes without waiting; false when the browser has gone.
+bool web_server::read_request(connection &one) const {
     std::array<char, 4096> part{};
     while (one.answer.empty()) {
         const ssize_t bytes = recv(one.fd, part.data(), part.size(), 0);
@@ -156,6 +167,17 @@ bool web_server::step(connection &one) const {
             one.answer = short_answer("431 Request Header Fields Too Large");
         }
     }
+    return true;
+}
+
+// Reads, answers and sends as much as goes without waiting; false when the connection is over.
+bool web_server::step(connection &one) const {
+    if (one.is_over) {
+        return drain(one.fd);
+    }
+    if (!read_request(one)) {
+        return false;
+    }
     while (one.sent < one.answer.size()) {
         const ssize_t bytes =
             send(one.fd, one.answer.data() + one.sent, one.answer.size() - one.sent, MSG_NOSIGNAL);
@@ -164,8 +186,11 @@ bool web_server::step(connection &one) const {
         }
         one.sent += static_cast<size_t>(bytes);
     }
-    shutdown(one.fd, SHUT_WR);
-    return false;
+    if (!one.answer.empty()) {
+        one.is_over = true;
+        shutdown(one.fd, SHUT_WR);
+    }
+    return true;
 }
 
 std::string web_server::answer_to(std::string_view request) const {

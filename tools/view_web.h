@@ -34,7 +34,8 @@ class web_server {
     void serve(sim::steady::time_point now);
 
   private:
-    // One request and its answer.
+    // One request and its answer, then what the browser still sends: a close with unread bytes
+    // would undo the answer.
     struct connection {
         connection(int number, sim::steady::time_point now) : fd(number), begun(now) {}
         connection(const connection &) = delete;
@@ -44,12 +45,14 @@ class web_server {
         int fd;
         sim::steady::time_point begun;
         std::string request;
-        std::string answer; // empty = the request is not complete
-        size_t sent = 0;    // bytes of the answer
+        std::string answer;   // empty = the request is not complete
+        size_t sent = 0;      // bytes of the answer
+        bool is_over = false; // the answer has been sent
     };
 
     void accept_all(sim::steady::time_point now);
     bool step(connection &one) const;
+    bool read_request(connection &one) const;
     std::string answer_to(std::string_view request) const;
 
     std::vector<listener> m_sockets;

@@ -3,8 +3,9 @@
 """Runs 02-buttons on a real kernel framebuffer in QEMU and compares the screen with the simulator.
 
 The kernel is Debian's own, unpacked from its package; nothing is installed. The guest holds the
-display driver, a shell, the example, ux-remote and the libraries they need. Keys go in at the real
-message queue, pictures come out of the emulated display.
+drivers of display and network, a shell, the example, ux-remote, ux-view and the libraries they
+need. Keys go in at the real message queue, from ux-remote and from a viewer outside that knows
+ux-view's password; pictures come out of the emulated display and, the same, to the viewer.
 
 Exit status: 0 all pictures equal, 1 a difference or a failure, 2 wrong use or something missing.
 """
@@ -18,18 +19,28 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "sim"))
+from view_support import Client  # noqa: E402
 
 MODULES = {
-    "drm": "drm/drm.ko",
-    "drm_kms_helper": "drm/drm_kms_helper.ko",
-    "ttm": "drm/ttm/ttm.ko",
-    "drm_ttm_helper": "drm/drm_ttm_helper.ko",
-    "drm_vram_helper": "drm/drm_vram_helper.ko",
-    "bochs": "drm/tiny/bochs.ko",
+    "drm": "gpu/drm/drm.ko",
+    "drm_kms_helper": "gpu/drm/drm_kms_helper.ko",
+    "ttm": "gpu/drm/ttm/ttm.ko",
+    "drm_ttm_helper": "gpu/drm/drm_ttm_helper.ko",
+    "drm_vram_helper": "gpu/drm/drm_vram_helper.ko",
+    "bochs": "gpu/drm/tiny/bochs.ko",
+    "e1000": "net/ethernet/intel/e1000/e1000.ko",
 }
-COMMANDS = ["sh", "mount", "mkdir", "insmod", "sleep", "poweroff", "echo", "cat"]
+COMMANDS = ["sh", "mount", "mkdir", "insmod", "sleep", "poweroff", "echo", "cat", "ifconfig"]
+PROGRAMS = ["02-buttons", "ux-remote", "ux-view"]
+GUEST_ADDRESS, GUEST_VNC_PORT = "10.0.2.15", 5900  # as init.sh has them
+PASSWORD = b"picture"  # as init.sh has it
+KEY_SYMBOLS = {"right": 0xFF53, "down": 0xFF54, "ok": 0xFF0D}
+VIEW_LIMIT_S = 20
 VERA = "/usr/share/fonts/truetype/ttf-bitstream-vera/Vera.ttf"
-BOOT_LIMIT_S = 180
+BOOT_LIMIT_S = 300
 
 
 def fail(message, status=1):
@@ -55,7 +66,7 @@ def unpack_kernel(work):
     package = next(work.glob("linux-image-*.deb"))
     subprocess.run(["dpkg-deb", "-x", package, work / "kernel"], check=True)
     image = next((work / "kernel" / "boot").glob("vmlinuz-*"))
-    modules = next((work / "kernel" / "lib" / "modules").iterdir()) / "kernel/drivers/gpu"
+    modules = next((work / "kernel" / "lib" / "modules").iterdir()) / "kernel/drivers"
     return image, modules
 
 
@@ -67,7 +78,7 @@ def make_guest(work, build, modules):
     shutil.copy("/bin/busybox", root / "bin/busybox")
     for command in COMMANDS:
         (root / "bin" / command).symlink_to("busybox")
-    for program in ["02-buttons", "ux-remote"]:
+    for program in PROGRAMS:
         shutil.copy(build / "bin" / program, root / "bin" / program)
         for library in libraries_of(build / "bin" / program):
             place = "lib64" if library.name.startswith("ld-linux") else "lib"
@@ -105,30 +116,78 @@ class Monitor:
         self.answer()
 
 
+class Viewer:
+    """A viewer of the guest's screen, which it sees from outside by ux-view."""
+
+    def __init__(self, port):
+        self.client = Client("127.0.0.1", port).start(PASSWORD)
+
+    def picture(self):
+        words = self.client.picture()
+        picture = bytearray(len(words) // 4 * 3)
+        for colour in range(3):
+            picture[colour::3] = words[2 - colour::4]
+        return bytes(picture)
+
+    def shoot(self, path, display):
+        """Keeps what it sees, which must soon be what the display shows."""
+        width, height, pixels = pixels_of_ppm(display)
+        deadline = time.monotonic() + VIEW_LIMIT_S
+        while (seen := self.picture()) != pixels and time.monotonic() < deadline:
+            time.sleep(0.1)
+        path.write_bytes(b"P6\n%d %d\n255\n" % (width, height) + seen)
+
+    def press(self, key):
+        """Waits for the change that the key makes on the screen."""
+        self.picture()
+        self.client.key(KEY_SYMBOLS[key])
+        try:
+            self.client.update(1)
+        except TimeoutError:
+            fail(f"a viewer's key '{key}' changed nothing on the screen")
+
+
+def free_port():
+    with socket.create_server(("127.0.0.1", 0)) as other:
+        return other.getsockname()[1]
+
+
+def obey(line, outside, pictures):
+    """Does what the guest asks for."""
+    word, name = line.split()
+    if "viewer" not in outside:
+        outside["monitor"] = Monitor(outside["monitor path"])
+        outside["viewer"] = Viewer(outside["port"])
+    if word == "picture":
+        outside["monitor"].screendump(pictures / f"{name}.ppm")
+        outside["viewer"].shoot(pictures / f"{name}-viewer.ppm", pictures / f"{name}.ppm")
+    else:
+        outside["viewer"].press(name)
+
+
 def run_guest(work, image, archive, pictures):
     """Boots the guest and collects its pictures; returns the lines it said."""
-    monitor_path = work / "monitor"
+    outside = {"monitor path": work / "monitor", "port": free_port()}
+    network = (f"user,model=e1000,restrict=on,hostfwd=tcp:127.0.0.1:{outside['port']}-"
+               f"{GUEST_ADDRESS}:{GUEST_VNC_PORT}")
     command = ["qemu-system-x86_64", "-m", "512", "-vga", "std", "-display", "none", "-no-reboot",
-               "-nic", "none", "-kernel", image, "-initrd", archive, "-append",
+               "-nic", network, "-kernel", image, "-initrd", archive, "-append",
                "console=ttyS0 quiet rdinit=/init video=1280x720 vt.global_cursor_default=0",
-               "-serial", "stdio", "-monitor", f"unix:{monitor_path},server=on,wait=off"]
+               "-serial", "stdio", "-monitor", f"unix:{work}/monitor,server=on,wait=off"]
     guest = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                              stderr=subprocess.STDOUT, text=True, bufsize=1, errors="replace")
     limit = threading.Timer(BOOT_LIMIT_S, guest.kill)
     limit.start()
     said = []
-    monitor = None
     try:
         for line in guest.stdout:
             found = re.search(r"device: (.*)", line)
             if not found:
                 continue
             said.append(found.group(1).strip())
-            print("guest:", said[-1])
-            picture = re.fullmatch(r"picture (\S+)", said[-1])
-            if picture:
-                monitor = monitor or Monitor(monitor_path)
-                monitor.screendump(pictures / f"{picture.group(1)}.ppm")
+            print("guest:", said[-1], flush=True)
+            if re.fullmatch(r"(picture|press) \S+", said[-1]):
+                obey(said[-1], outside, pictures)
                 guest.stdin.write("go\n")
                 guest.stdin.flush()
     finally:
@@ -162,13 +221,14 @@ def compare(pictures, shots):
     """Prints a line per picture; returns whether all are equal."""
     equal = True
     for name in ["1-home", "2-network"]:
-        picture = pictures / f"{name}.ppm"
         shot = subprocess.run(["pngtopnm", shots / f"{name}.png"], check=True, capture_output=True)
         expected = pictures / f"{name}-simulator.ppm"
         expected.write_bytes(shot.stdout)
-        same = picture.exists() and pixels_of_ppm(picture) == pixels_of_ppm(expected)
-        print(f"{name}: {'equal' if same else 'DIFFERENT'} ({picture})")
-        equal = equal and same
+        for taker in ["", "-viewer"]:
+            picture = pictures / f"{name}{taker}.ppm"
+            same = picture.exists() and pixels_of_ppm(picture) == pixels_of_ppm(expected)
+            print(f"{name}{taker}: {'equal' if same else 'DIFFERENT'} ({picture})")
+            equal = equal and same
     return equal
 
 
@@ -177,7 +237,8 @@ def main():
     parser.add_argument("build", type=pathlib.Path, help="build folder with bin/ and lib/")
     parser.add_argument("pictures", type=pathlib.Path, help="folder for the pictures")
     options = parser.parse_args()
-    for tool in ["qemu-system-x86_64", "busybox", "cpio", "ldd", "dpkg-deb", "pngtopnm"]:
+    for tool in ["qemu-system-x86_64", "busybox", "cpio", "ldd", "dpkg-deb", "pngtopnm",
+                 "openssl"]:
         if not shutil.which(tool):
             fail(f"{tool} is missing", 2)
     build = options.build.resolve()
@@ -187,8 +248,9 @@ def main():
         image, modules = unpack_kernel(work)
         archive = make_guest(work, build, modules)
         said = run_guest(work, image, archive, options.pictures.resolve())
-        if "done" not in said or "host ended with 0" not in said:
-            fail("the guest did not come to its end")
+        for line in ["host ended with 0", "viewer ended with 143", "done"]:  # 143: by SIGTERM
+            if line not in said:
+                fail(f"the guest did not say '{line}'")
         if not compare(options.pictures.resolve(), shoot_in_simulator(build, work)):
             sys.exit(1)
 

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# First process of the test device: loads the display driver, runs the host on the real framebuffer
-# and plays the input driver. Asks for a picture by a line on the serial console and goes on when one
-# comes back.
+# First process of the test device: loads the drivers, runs the host and ux-view on the real
+# framebuffer and plays the input driver. Asks for a picture, or for a key to be pressed by a viewer
+# outside, by a line on the serial console and goes on when one comes back.
 PATH=/bin
 export LD_LIBRARY_PATH=/lib EM862X_FONT=/fonts/Vera.ttf
 
@@ -10,15 +10,18 @@ mount -t proc proc /proc
 mount -t sysfs sysfs /sys
 mount -t devtmpfs devtmpfs /dev
 mkdir -p /tmp
-for module in drm drm_kms_helper ttm drm_ttm_helper drm_vram_helper bochs; do
+for module in drm drm_kms_helper ttm drm_ttm_helper drm_vram_helper bochs e1000; do
     insmod "/modules/$module.ko" || echo "device: can not load $module"
 done
 read -r mode < /sys/class/graphics/fb0/virtual_size
 read -r depth < /sys/class/graphics/fb0/bits_per_pixel
 echo "device: framebuffer $mode, $depth bits"
 
-picture() {
-    echo "device: picture $1"
+ifconfig lo 127.0.0.1
+ifconfig eth0 10.0.2.15
+
+ask() {
+    echo "device: $1 $2"
     read -r _
 }
 
@@ -29,14 +32,25 @@ key() {
 
 02-buttons > /dev/null 2> /tmp/host.err &
 host=$!
+(umask 077 && echo picture > /tmp/password)
+ux-view --no-web --listen 10.0.2.15 --password-file /tmp/password /dev/fb0 > /dev/null \
+    2> /tmp/view.err &
+view=$!
 sleep 3
-picture 1-home
+ask picture 1-home
 key right
-key down
-key ok
-picture 2-network
+ask press down
+ask press ok
+sleep 0.3
+ask picture 2-network
 key 1
 wait "$host"
 echo "device: host ended with $?"
+kill "$view"
+wait "$view"
+echo "device: viewer ended with $?"
+while read -r line; do
+    echo "device: ux-view said: $line"
+done < /tmp/view.err
 echo "device: done"
 poweroff -f

@@ -1,19 +1,25 @@
 # SPDX-License-Identifier: MIT
-"""What view_test.py works with: programs, a host's message queue, and the least of a VNC viewer."""
+"""What the tests of ux-view work with: programs, a host's message queue, and the least of a VNC
+viewer."""
 
 import ctypes
+import mmap
+import os
 import re
 import socket
 import struct
 import subprocess
+import sys
 import tempfile
 import time
+import unittest
 from pathlib import Path
 
 LIMIT_S = 20
 LIBC = ctypes.CDLL(None, use_errno=True)
 IPC_CREAT, IPC_EXCL, IPC_RMID, IPC_NOWAIT = 0o1000, 0o2000, 0, 0o4000
 QUEUE_PROJECT = 40
+PROGRAMS = {}  # paths by name, from the command line
 
 
 def eventually(condition):
@@ -83,7 +89,7 @@ class Queue:
 
 
 class Client:
-    """The least of a VNC viewer: no security, raw pixels."""
+    """The least of a VNC viewer: raw pixels."""
 
     def __init__(self, address, port):
         self.socket = socket.create_connection((address, port), LIMIT_S)
@@ -91,8 +97,12 @@ class Client:
         self.send(b"RFB 003.008\n")
         self.security = self.read(self.read(1)[0])
 
-    def start(self):
-        self.send(b"\x01")
+    def start(self, password=None):
+        if password:
+            self.send(b"\x02")
+            self.send(encrypted(self.read(16), password))
+        else:
+            self.send(b"\x01")
         assert self.unpack(">I") == (0,)
         self.send(b"\x01")
         self.width, self.height = self.unpack(">HH")
@@ -143,3 +153,68 @@ class Client:
 
     def close(self):
         self.socket.close()
+
+
+def encrypted(challenge, password):
+    """The challenge by DES, the key's bytes with their bits in reverse order."""
+    key = bytes(int(f"{byte:08b}"[::-1], 2) for byte in password.ljust(8, b"\0"))
+    return subprocess.run(
+        ["openssl", "enc", "-des-ecb", "-nopad", "-provider", "legacy", "-provider", "default",
+         "-K", key.hex()], input=challenge, capture_output=True, check=True).stdout
+
+
+def processes_of(viewer):
+    """The numbers of the viewer's process and of those that serve its viewers."""
+    own = viewer.process.pid
+    children = Path(f"/proc/{own}/task/{own}/children").read_text().split()
+    return [own, *map(int, children)]
+
+
+class ViewTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="ux-view-test.")
+        self.addCleanup(self.folder.cleanup)
+
+    def run_program(self, *words):
+        program = Program(self.folder.name, *words)
+        self.addCleanup(program.end)
+        return program
+
+    def simulate(self, size, form, *host):
+        """A simulator; its folder and its screen's memory, filled with a pattern."""
+        self.simulator = self.run_program(
+            PROGRAMS["simulator"], "--headless", "--verbose", "--size", size, "--format", form,
+            "--", *(host or ("sleep", "60")))
+        folder = self.simulator.find(r"for ux-view (\S+)\n", self.simulator.err)
+        note = Path(folder, "screen").read_text().split("\n")
+        width, height, bits = map(int, note[0].split("x"))
+        self.bytes = width * height * bits // 8
+        file = os.open(note[1], os.O_RDWR)
+        self.memory = mmap.mmap(file, self.bytes)
+        os.close(file)
+        self.addCleanup(self.memory.close)
+        self.memory[:] = bytes((7 * at + at // 251) & 255 for at in range(self.bytes))
+        return folder
+
+    def view(self, *words):
+        page = () if "--web-root" in words else ("--no-web",)
+        viewer = self.run_program(PROGRAMS["viewer"], "--port", "0", *page, *words)
+        self.port = int(viewer.find(r"vnc \S+:(\d+)\n", viewer.out))
+        return viewer
+
+    def connect(self, address="127.0.0.1"):
+        client = Client(address, self.port)
+        self.addCleanup(client.close)
+        return client
+
+    def refusal(self, *words):
+        done = subprocess.run([PROGRAMS["viewer"], *words], capture_output=True, text=True,
+                              timeout=LIMIT_S, check=False)
+        return done.returncode, done.stderr
+
+
+def run_tests(*names):
+    """The programs of these names come first on the command line, then what unittest knows."""
+    words = sys.argv[1:]
+    PROGRAMS.update(zip(names, words))
+    unittest.main(argv=sys.argv[:1] + words[len(names):])

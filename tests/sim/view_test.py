@@ -5,7 +5,6 @@ screen's memory, and what it sends with the message queue."""
 
 import base64
 import hashlib
-import mmap
 import os
 import re
 import signal
@@ -18,52 +17,10 @@ import time
 import unittest
 from pathlib import Path
 
-from view_support import LIMIT_S, Client, Program, Queue, eventually
+from view_support import (LIMIT_S, PROGRAMS, Queue, ViewTest, encrypted, eventually, processes_of,
+                          run_tests)
 
-SIMULATOR, VIEWER = "", ""  # the programs, from the command line
 XK_DOWN, XK_OK, XK_F5 = 0xFF54, 0xFF0D, 0xFFC2
-
-
-class ViewTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.TemporaryDirectory(prefix="ux-view-test.")
-        self.addCleanup(self.folder.cleanup)
-
-    def run_program(self, *words):
-        program = Program(self.folder.name, *words)
-        self.addCleanup(program.end)
-        return program
-
-    def simulate(self, size, form, *host):
-        """A simulator; its folder and its screen's memory, filled with a pattern."""
-        self.simulator = self.run_program(SIMULATOR, "--headless", "--verbose", "--size", size,
-                                          "--format", form, "--", *(host or ("sleep", "60")))
-        folder = self.simulator.find(r"for ux-view (\S+)\n", self.simulator.err)
-        note = Path(folder, "screen").read_text().split("\n")
-        width, height, bits = map(int, note[0].split("x"))
-        self.bytes = width * height * bits // 8
-        file = os.open(note[1], os.O_RDWR)
-        self.memory = mmap.mmap(file, self.bytes)
-        os.close(file)
-        self.addCleanup(self.memory.close)
-        self.memory[:] = bytes((7 * at + at // 251) & 255 for at in range(self.bytes))
-        return folder
-
-    def view(self, *words):
-        viewer = self.run_program(VIEWER, "--port", "0", *(words if "--web-root" in words
-                                                           else ("--no-web", *words)))
-        self.port = int(viewer.find(r"vnc \S+:(\d+)\n", viewer.out))
-        return viewer
-
-    def connect(self, address="127.0.0.1"):
-        client = Client(address, self.port)
-        self.addCleanup(client.close)
-        return client
-
-    def refusal(self, *words):
-        done = subprocess.run([VIEWER, *words], capture_output=True, text=True, timeout=LIMIT_S,
-                              check=False)
-        return done.returncode, done.stderr
 
 
 class Pictures(ViewTest):
@@ -84,7 +41,7 @@ class Pictures(ViewTest):
         """The viewer itself is the simulated host: /dev/fb0 is the simulator's."""
         for form in ("argb8888", "rgb565"):
             with self.subTest(form):
-                self.simulate("50x30", form, VIEWER, "--no-web", "--port", "0",
+                self.simulate("50x30", form, PROGRAMS["viewer"], "--no-web", "--port", "0",
                               "/dev/fb0")
                 self.port = int(self.simulator.find(r"vnc \S+:(\d+)\n", self.simulator.out))
                 client = self.connect().start()
@@ -127,6 +84,22 @@ class Input(ViewTest):
         time.sleep(0.2)
         self.assertTrue(self.queue.is_empty())
 
+    def test_every_key_has_the_remote_controls_code(self):
+        symbols = {19: (0xFF52, 0xFF97), 20: (0xFF54, 0xFF99), 21: (0xFF51, 0xFF96),
+                   22: (0xFF53, 0xFF98), 23: (0xFF0D, 0xFF8D), 32: (0xFF08, 0xFFFF, 0xFF9F),
+                   34: (0xFFE1, 0xFFE2), 35: (0x2E, 0xFFAE)}
+        for digit in range(10):
+            symbols[1 + digit] = (0x30 + digit, 0xFFB0 + digit)
+        client = self.connect().start()
+        for code, keys in symbols.items():
+            for symbol in keys:
+                client.key(symbol)
+                self.assertEqual(self.queue.receive(), (code, 1, 0, 0), hex(symbol))
+        for symbol in (0xFF09, 0xFF1B, 0xFFE3, 0xFFE9, 0x20, 0x61, 0x2F, 0x3A, 0, 0xFFFFFFFF):
+            client.key(symbol)
+        time.sleep(0.2)
+        self.assertTrue(self.queue.is_empty())
+
     def test_pressing_the_pointer_is_a_touch_and_moving_it_is_none(self):
         client = self.connect().start()
         client.pointer(0, 3, 4)
@@ -152,6 +125,18 @@ class Input(ViewTest):
         self.addCleanup(self.queue.remove)
         client.key(XK_DOWN)
         self.assertEqual(self.queue.receive(), (20, 1, 0, 0))
+
+
+    def test_a_queue_that_nobody_reads_is_told_and_what_waits_is_dropped(self):
+        client = self.connect().start()
+        client.key(ord("1"))  # lies in the queue
+        client.key(ord("2"))  # waits
+        self.assertEqual(eventually(self.viewer.err),
+                         f"ux-view: nobody takes the input from the queue for {self.folder.name}; "
+                         "is the host running?\n")
+        self.assertEqual(self.queue.receive(), (2, 1, 0, 0))
+        client.key(ord("3"))
+        self.assertEqual(self.queue.receive(), (4, 1, 0, 0))
 
 
 class Addresses(ViewTest):
@@ -183,7 +168,8 @@ class Addresses(ViewTest):
         self.assertEqual(self.listening(viewer), ["00000000000000000000000001000000"])
 
     def test_other_addresses_want_a_password(self):
-        for address in ("0.0.0.0", "::", "192.0.2.1", "::ffff:127.0.0.1"):
+        for address in ("0.0.0.0", "::", "192.0.2.1", "::ffff:127.0.0.1", "::ffff:7f00:1",
+                        "::127.0.0.1", "::2", "fe80::1", "126.255.255.255", "128.0.0.1"):
             with self.subTest(address):
                 self.assertEqual(self.refusal("--port", "0", "--listen", address, "/dev/null"), (
                     2, f"ux-view: listening at {address} wants a --password-file; "
@@ -206,13 +192,24 @@ class Addresses(ViewTest):
             client.read(4096)
 
     def test_the_right_password_opens(self):
-        Path(self.folder.name, "password").write_text("secret\n")
-        self.view("--password-file", self.folder.name + "/password",
-                  self.simulate("32x16", "argb8888"))
-        client = self.connect()
-        client.send(b"\x02")
-        client.send(encrypted(client.read(16), b"secret"))
-        self.assertEqual(client.unpack(">I"), (0,))
+        folder = self.simulate("32x16", "argb8888")
+        for text in ("secret\n", "secret", "secret\r\n", "secret\nother\n"):
+            with self.subTest(text):
+                Path(self.folder.name, "password").write_bytes(text.encode())
+                self.view("--password-file", self.folder.name + "/password", folder)
+                client = self.connect()
+                client.send(b"\x02")
+                client.send(encrypted(client.read(16), b"secret"))
+                self.assertEqual(client.unpack(">I"), (0,))
+
+    def test_a_password_that_every_user_may_read_is_remarked_upon(self):
+        folder = self.simulate("32x16", "argb8888")
+        file = Path(self.folder.name, "password")
+        file.write_text("secret\n")
+        for mode, text in ((0o644, f"ux-view: every user may read {file}\n"), (0o640, "")):
+            file.chmod(mode)
+            viewer = self.view("--password-file", str(file), folder)
+            self.assertEqual(viewer.err(), text)
 
     def test_a_busy_port_is_named(self):
         folder = self.simulate("32x16", "argb8888")
@@ -220,14 +217,6 @@ class Addresses(ViewTest):
             port = other.getsockname()[1]
             self.assertEqual(self.refusal("--no-web", "--port", str(port), folder), (
                 1, f"ux-view: cannot listen at 127.0.0.1:{port}: Address already in use\n"))
-
-
-def encrypted(challenge, password):
-    """The challenge by DES, the key's bytes with their bits in reverse order."""
-    key = bytes(int(f"{byte:08b}"[::-1], 2) for byte in password.ljust(8, b"\0"))
-    return subprocess.run(
-        ["openssl", "enc", "-des-ecb", "-nopad", "-provider", "legacy", "-provider", "default",
-         "-K", key.hex()], input=challenge, capture_output=True, check=True).stdout
 
 
 class Ends(ViewTest):
@@ -257,13 +246,19 @@ class Ends(ViewTest):
 
     def test_wrong_options_end_with_status_2(self):
         long, empty = Path(self.folder.name, "long"), Path(self.folder.name, "empty")
+        foreign = Path(self.folder.name, "foreign")
         long.write_text("123456789\n")
         empty.write_text("\n")
+        foreign.write_text("gr\u00fcn\n")
         for words, text in (
                 (["--port", "x"], "--port wants 0 to 65535, not 'x'"),
                 (["--port", "65536"], "--port wants 0 to 65535, not '65536'"),
                 (["--listen", "here"],
                  "--listen wants an IPv4 or IPv6 address in numbers, not 'here'"),
+                (["--listen", "localhost"],
+                 "--listen wants an IPv4 or IPv6 address in numbers, not 'localhost'"),
+                (["--listen", "::1%lo"],
+                 "--listen wants an IPv4 or IPv6 address in numbers, not '::1%lo'"),
                 (["--listen", "::1"] * 3, "--listen may be given 2 times"),
                 (["--queue-path", ""], "--queue-path wants a path"),
                 (["a", "b"], "only one source can be shown, not 'b' too"),
@@ -271,14 +266,16 @@ class Ends(ViewTest):
                 (["--port"], "'--port' wants an argument")):
             self.assertEqual(self.refusal(*words),
                              (2, f"ux-view: {text}; see ux-view --help\n"))
-        for file in (long, empty):
+        for file in (long, empty, foreign):
             self.assertEqual(self.refusal("--password-file", str(file)), (
-                2, f"ux-view: the password in {file} must have 1 to 8 characters\n"))
+                2, f"ux-view: the password in {file} must have 1 to 8 printable ASCII "
+                   "characters\n"))
         self.assertEqual(self.refusal("--password-file", "/nowhere")[0], 1)
 
     def test_help_and_version_go_to_standard_output(self):
         for option, start in (("--help", "Usage: ux-view "), ("--version", "ux-view ")):
-            done = subprocess.run([VIEWER, option], capture_output=True, text=True, check=False)
+            done = subprocess.run([PROGRAMS["viewer"], option], capture_output=True, text=True,
+                                  check=False)
             self.assertEqual((done.returncode, done.stderr), (0, ""))
             self.assertTrue(done.stdout.startswith(start))
 
@@ -400,9 +397,12 @@ class Web(ViewTest):
 
 
 class Speed(ViewTest):
-    def cpu_seconds(self, process):
-        fields = Path(f"/proc/{process.pid}/stat").read_text().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+    def cpu_seconds(self, viewer):
+        ticks = 0
+        for process in processes_of(viewer):
+            fields = Path(f"/proc/{process}/stat").read_text().rsplit(")", 1)[1].split()
+            ticks += int(fields[11]) + int(fields[12])
+        return ticks / os.sysconf("SC_CLK_TCK")
 
     def test_a_still_screen_costs_less_than_5_percent_of_a_core(self):
         seconds = 3
@@ -410,36 +410,12 @@ class Speed(ViewTest):
         client = self.connect().start()
         client.picture()
         client.send(struct.pack(">BBHHHH", 3, 1, 0, 0, 1280, 720))  # waits for a change
-        before = self.cpu_seconds(viewer.process)
+        before = self.cpu_seconds(viewer)
         time.sleep(seconds)
-        spent = (self.cpu_seconds(viewer.process) - before) / seconds
+        spent = (self.cpu_seconds(viewer) - before) / seconds
         print(f"still 1280x720 at 60 Hz: {100 * spent:.1f} % of a core", file=sys.stderr)
         self.assertLess(spent, 0.05)
 
 
-class Hostile(ViewTest):
-    def test_garbage_and_half_messages_do_not_end_it(self):
-        viewer = self.view(self.simulate("32x16", "argb8888"))
-        for garbage in (b"\xff" * 4096, b"RFB 003.008\n\x01\x01" + b"\xee" * 64,
-                        b"RFB 003.008\n\x01\x01\x06\0\0\0\xff\xff\xff\xff", b"GET "):
-            with socket.create_connection(("127.0.0.1", self.port), LIMIT_S) as other:
-                other.sendall(garbage)
-        self.assertEqual(self.connect().start().picture(), self.memory[:])
-        self.assertIsNone(viewer.process.poll())
-
-    def test_viewers_that_do_not_read_or_stop_in_a_message_are_dropped(self):
-        viewer = self.view(self.simulate("1280x720", "argb8888"))
-        deaf = self.connect().start()
-        for _ in range(8):  # more than the sockets hold
-            deaf.send(struct.pack(">BBHHHH", 3, 0, 0, 0, 1280, 720))
-        halting = self.connect().start()
-        halting.send(b"\x04")
-        self.assertEqual(self.connect().start().picture(), self.memory[:])
-        self.assertIsNone(viewer.process.poll())
-        with self.assertRaises((EOFError, ConnectionError)):
-            halting.read(1)
-
-
 if __name__ == "__main__":
-    SIMULATOR, VIEWER = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    run_tests("simulator", "viewer")
