@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+// Reading ux-inputd's command line.
+#include "tools/inputd_options.h"
+
+#include "sim/failure.h"
+#include "sim/number.h"
+
+#include <array>
+
+#include <getopt.h>
+
+namespace ux::inputd {
+
+namespace {
+
+constexpr int k_largest_side = 16384; // pixels
+
+constexpr const char *k_help = R"(Usage: ux-inputd [options] [DEVICE...]
+
+Sends the keys and touches of Linux input devices to a host, as the driver of a remote control and
+touch panel does. Without a DEVICE: of all below /dev/input, those that come later too.
+
+  --queue-path PATH    the queue named by PATH (default /tmp; see ux-sim --verbose)
+  --key NAME=KEY       what a key sends: NAME as the kernel has it, KEY as ux-remote has it;
+                       may be given often, as in --key KEY_MENU=ok
+  --size WxH           screen size in pixels, for touches (default: that of /dev/fb0)
+  --grab               nobody else, such as a console, gets the devices' events
+  --verbose            tell devices and messages on standard error
+  --help, --version
+)";
+
+enum option_code { // beyond the letters
+    o_queue_path = 256,
+    o_key,
+    o_size,
+    o_grab,
+    o_verbose,
+    o_help,
+    o_version,
+};
+
+constexpr std::array<option, 8> k_options = {{
+    {"queue-path", required_argument, nullptr, o_queue_path},
+    {"key", required_argument, nullptr, o_key},
+    {"size", required_argument, nullptr, o_size},
+    {"grab", no_argument, nullptr, o_grab},
+    {"verbose", no_argument, nullptr, o_verbose},
+    {"help", no_argument, nullptr, o_help},
+    {"version", no_argument, nullptr, o_version},
+    {nullptr, 0, nullptr, 0},
+}};
+
+[[noreturn]] void refuse(const std::string &text) {
+    throw sim::usage_failure(text + "; see ux-inputd --help");
+}
+
+screen_size read_size(const std::string &text) {
+    const size_t cross = text.find('x');
+    if (cross != std::string::npos) {
+        const std::string_view digits = text;
+        const auto width = sim::number_in(digits.substr(0, cross), 1, k_largest_side);
+        const auto height = sim::number_in(digits.substr(cross + 1), 1, k_largest_side);
+        if (width && height) {
+            return {*width, *height};
+        }
+    }
+    refuse("--size wants WIDTHxHEIGHT, each 1 to " + std::to_string(k_largest_side) + ", not '" +
+           text + "'");
+}
+
+void apply(int code, const char *argument, inputd_request &request) {
+    switch (code) {
+    case o_queue_path:
+        request.queue_path = argument;
+        return;
+    case o_key:
+        return request.keys.assign(argument);
+    case o_size:
+        request.screen = read_size(argument);
+        return;
+    case o_grab:
+        request.grab = true;
+        return;
+    case o_verbose:
+        request.verbose = true;
+        return;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+inputd_command parse_inputd_command(int argc, char **argv) {
+    inputd_request request;
+    optind = 0; // a fresh scan, also for the second call in one process
+    opterr = 0;
+    for (;;) {
+        const int code = getopt_long(argc, argv, ":", k_options.data(), nullptr);
+        switch (code) {
+        case -1:
+            request.devices.assign(argv + optind, argv + argc);
+            return {.request = request, .text = {}};
+        case o_help:
+            return {.request = std::nullopt, .text = k_help};
+        case o_version:
+            return {.request = std::nullopt, .text = "ux-inputd " UX_VERSION "\n"};
+        case ':':
+            refuse(std::string("'") + argv[optind - 1] + "' wants an argument");
+        case '?':
+            refuse(std::string("unknown option or stray argument in '") + argv[optind - 1] + "'");
+        default:
+            apply(code, optarg, request);
+        }
+    }
+}
+
+} // namespace ux::inputd
