@@ -19,7 +19,7 @@ namespace ux::sim {
 
 namespace {
 
-constexpr size_t k_largest_script_bytes = 1 << 20;
+constexpr size_t k_largest_script_bytes = 16 << 20;
 constexpr size_t k_longest_name = 200;
 constexpr int k_longest_wait_ms = 3600 * 1000;
 constexpr int k_default_limit_ms = 10 * 1000; // beyond the wait itself
@@ -100,6 +100,7 @@ class parser {
         }
         read_step(parts, step);
         check_order(step);
+        m_ends = m_ends || step.what == verb::wait_exit;
         m_script.steps.push_back(step);
     }
 
@@ -258,13 +259,10 @@ class parser {
         if (m_script.steps.empty()) {
             return;
         }
-        bool ended = std::ranges::any_of(m_script.steps, [](const script_step &earlier) {
-            return earlier.what == verb::wait_exit;
-        });
         if (m_script.steps.back().what == verb::quit) {
             refuse("nothing may follow 'quit'");
         }
-        if (ended && step.what != verb::shot && step.what != verb::quit) {
+        if (m_ends && step.what != verb::shot && step.what != verb::quit) {
             refuse("only 'shot' and 'quit' may follow 'wait exit'");
         }
     }
@@ -272,7 +270,8 @@ class parser {
     script m_script;
     std::set<std::string> m_files;
     int m_line = 0;
-    size_t m_typed = 0; // characters so far
+    size_t m_typed = 0;  // characters so far
+    bool m_ends = false; // there was a "wait exit"
 };
 
 class open_file {
@@ -322,7 +321,7 @@ script read_script(const std::string &path) {
         throw usage_failure(system_reason("cannot read the script " + name));
     }
     if (text.size() > k_largest_script_bytes) {
-        throw usage_failure("the script " + name + " is longer than 1 MiB");
+        throw usage_failure("the script " + name + " is longer than 16 MiB");
     }
     return parse_script(text, name);
 }
