@@ -149,8 +149,8 @@ void add_clock(ux_container &page) {
 void build_desk() {
     ux_page *page = new_page();
     s_shell.desk = page->container.obj.page_id;
-    s_desk.year = s_shell.year;
-    s_desk.month = s_shell.month;
+    s_desk.year = s_shell.first_month.year;
+    s_desk.month = s_shell.first_month.month;
     add_calendar(page->container);
     add_clock(page->container);
     add_hint(page->container, u"Left, right: turn the month        0: menu", k_text_left);

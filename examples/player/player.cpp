@@ -50,14 +50,14 @@ void add_pictures(const char *source) {
     s_shell.pictures.insert(s_shell.pictures.end(), found.begin(), found.end());
 }
 
-bool read_time(const char *clock, const char *month) {
+bool read_moment(const char *clock, const char *month) {
     time_of_day at = {};
-    const bool is_right = sscanf(clock, "%d:%d:%d", &at.hours, &at.minutes, &at.seconds) == 3 &&
-                          sscanf(month, "%d-%d", &s_shell.year, &s_shell.month) == 2;
+    month_of_year shown = {};
+    if (!read_time(clock, at) || !read_month(month, shown))
+        return false;
     s_shell.fixed_time = at;
-    return is_right && at.hours >= 0 && at.hours < 24 && at.minutes >= 0 && at.minutes < 60 &&
-           at.seconds >= 0 && at.seconds < 60 && s_shell.year >= 1 && s_shell.year <= 9999 &&
-           s_shell.month >= 1 && s_shell.month <= 12;
+    s_shell.first_month = shown;
+    return true;
 }
 
 // Takes one option off the front; false when there is none or it is wrong.
@@ -73,7 +73,7 @@ bool read_option(std::span<char *> &arguments) {
                                                                    : nullptr;
         used = s_shell.rotation != nullptr ? 2 : 0;
     } else if (name == "--at" && arguments.size() > 2) {
-        used = read_time(arguments[1], arguments[2]) ? 3 : 0;
+        used = read_moment(arguments[1], arguments[2]) ? 3 : 0;
     }
     arguments = arguments.subspan(used);
     return used > 0;
@@ -83,8 +83,7 @@ bool read_arguments(std::span<char *> arguments) {
     const time_t now = time(nullptr);
     struct tm local = {};
     localtime_r(&now, &local);
-    s_shell.year = local.tm_year + 1900;
-    s_shell.month = local.tm_mon + 1;
+    s_shell.first_month = {local.tm_year + 1900, local.tm_mon + 1};
     while (!arguments.empty() && arguments[0][0] == '-')
         if (!read_option(arguments))
             return false;
@@ -102,7 +101,7 @@ void give_memory_back() {
 
 // Before ux_system_init(), which starts threads: from then on no variable is added.
 bool set_up_environment() {
-    set_up_text_size();
+    set_up_text_size(k_text_size);
     setenv("PHOTO_PLAYING", "NO", 1);
     s_shell.status.set_up("STATUS", "gotoMenu");
     s_shell.message.set_up("ShowMSG", "YES");

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "flag.h"
+#include "moment.h"
 
 #include <ux.h>
 
@@ -27,15 +28,11 @@ struct settings {
     int seconds = 3; // rest after a picture
 };
 
-struct time_of_day {
-    int hours, minutes, seconds;
-};
-
 struct shell {
     settings set;
     std::vector<std::string> pictures;     // paths and addresses, in the order of the show
     std::optional<time_of_day> fixed_time; // the clock stands at it
-    int year = 0, month = 1;               // that the calendar begins with
+    month_of_year first_month = {};        // of the calendar
     bool locked = false;                   // the power button does not end the program
     const char *rotation = nullptr;        // asked for; null = none
     flag status;                           // on the way to the menu
