@@ -19,7 +19,7 @@ MOST_KIB = 12 * 1024
 MOST_IDLE_PERCENT = 3  # 1 is the aim; a busy machine makes every wake-up dearer
 BUSY_PERCENT = 100     # what moves is told only
 LIMIT_S = 120
-IDLE_S = 4
+IDLE_S = 3
 SWITCH_S = 1.3  # a page switch rests for a second
 
 MARKED = 0xFFD54A

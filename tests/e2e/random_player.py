@@ -194,7 +194,7 @@ def main():
     for name in ("simulator", "host", "root"):
         parser.add_argument(f"--{name}", type=Path, required=True)
     parser.add_argument("--events", type=int, default=200000)
-    parser.add_argument("--growth-kib", type=int, default=512, help="the most that memory may grow")
+    parser.add_argument("--growth-kib", type=int, default=1024, help="the most that memory may grow")
     parser.add_argument("--keep", type=Path, help="an empty folder for what the run writes")
     parser.add_argument("pictures", nargs="+")
     arguments = parser.parse_args()
