@@ -126,7 +126,9 @@ def page_shown(run):
         return "calendar"
     if run.pixel(856, 300) == 0x0E1726 and run.pixel(81, 300) in (0x34507A, 0x16233A):
         return "settings"
-    return "menu" if is_home(run) else "photo"
+    if is_home(run):
+        return "menu"
+    return "photo" if run.pixel(640, 20) not in (0, 0x0E1726) else "something else"
 
 
 def is_home(run):
