@@ -109,13 +109,6 @@ std::optional<std::string> existing(const std::string &path) {
     return result;
 }
 
-std::string own_folder() {
-    std::array<char, PATH_MAX> path{};
-    ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
-    std::string_view whole(path.data(), length > 0 ? static_cast<size_t>(length) : 0);
-    return std::string(whole.substr(0, whole.rfind('/')));
-}
-
 } // namespace
 
 bool host_end::by_signal() const {
@@ -218,6 +211,13 @@ host_end host_process::stop(std::chrono::milliseconds patience) {
         close(watched);
     }
     return *m_end;
+}
+
+std::string own_folder() {
+    std::array<char, PATH_MAX> path{};
+    ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
+    std::string_view whole(path.data(), length > 0 ? static_cast<size_t>(length) : 0);
+    return std::string(whole.substr(0, whole.rfind('/')));
 }
 
 std::string find_shim() {

@@ -50,6 +50,9 @@ class host_process {
     std::optional<host_end> m_end;
 };
 
+// Where this program lies.
+std::string own_folder();
+
 // The preload library that belongs to this program: UX_SIM_SHIM, else in the build tree or the
 // installation beside it. Throws failure.
 std::string find_shim();

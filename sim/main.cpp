@@ -24,7 +24,7 @@ bool wants_window(const options &run) {
     bool display = is_set("DISPLAY") || is_set("WAYLAND_DISPLAY");
     bool followed = !run.virtual_time || !run.script.empty();
     return run.display == display_choice::window ||
-           (run.display == display_choice::automatic && display && followed);
+           (run.display == display_choice::automatic && display && followed && !run.web);
 }
 
 int run_simulator(int argc, char **argv) {

@@ -15,6 +15,7 @@ namespace ux::sim {
 namespace {
 
 constexpr int k_longest_timeout_s = 86400;
+constexpr int k_highest_port = 65535;
 
 constexpr const char *k_help =
     R"(Usage: ux-sim [options] [--] host [arguments]
@@ -25,7 +26,9 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
   --format FORMAT      argb8888 (default) or rgb565
   --window             show the screen and a remote control in a window
   --headless           show nothing
-                       (default: a window where there is a display)
+                       (default: a window where there is a display, unless --web is given)
+  --web[=PORT]         show them in browsers by ux-view, whose address is printed
+                       (PORT: default the first free one from 5800 on; 0 = any free one)
   --script FILE        send keys and touches, wait, take shots; '-' = standard input
   --shots DIR          folder for the script's shots (default: the current one)
   --expect DIR         compare each shot with the picture of its name in DIR
@@ -51,6 +54,7 @@ enum option_code { // beyond the letters
     o_format,
     o_window,
     o_headless,
+    o_web,
     o_script,
     o_shots,
     o_expect,
@@ -66,11 +70,12 @@ enum option_code { // beyond the letters
     o_version,
 };
 
-constexpr std::array<option, 18> k_options = {{
+constexpr std::array<option, 19> k_options = {{
     {"size", required_argument, nullptr, o_size},
     {"format", required_argument, nullptr, o_format},
     {"window", no_argument, nullptr, o_window},
     {"headless", no_argument, nullptr, o_headless},
+    {"web", optional_argument, nullptr, o_web},
     {"script", required_argument, nullptr, o_script},
     {"shots", required_argument, nullptr, o_shots},
     {"expect", required_argument, nullptr, o_expect},
@@ -126,6 +131,16 @@ int read_seconds(const std::string &name, const std::string &text) {
     return *seconds;
 }
 
+// Without an argument ux-view chooses.
+std::optional<int> read_port(const std::string &text) {
+    const auto port = number_in(text, 0, k_highest_port);
+    if (!port && !text.empty()) {
+        refuse("--web wants a port from 0 to " + std::to_string(k_highest_port) + ", not '" + text +
+               "'");
+    }
+    return port;
+}
+
 // A date and a time of day, UTC, as seconds since 1970.
 int64_t read_date(const std::string &text) {
     for (const char *form : {"%Y-%m-%d", "%Y-%m-%dT%H:%M", "%Y-%m-%dT%H:%M:%S"}) {
@@ -161,6 +176,10 @@ void apply(int code, const std::string &argument, options &run) {
         return;
     case o_headless:
         run.display = display_choice::headless;
+        return;
+    case o_web:
+        run.web = true;
+        run.web_port = read_port(argument);
         return;
     case o_script:
         run.script = read_path("script", argument);
@@ -229,6 +248,9 @@ command_line parse_command_line(int argc, char **argv) {
     run.host.assign(argv + optind, argv + argc);
     if (run.virtual_time && run.script.empty() && run.display == display_choice::window) {
         refuse("--virtual-time with a window wants a script");
+    }
+    if (run.virtual_time && run.script.empty() && run.web) {
+        refuse("--virtual-time with --web wants a script");
     }
     if (run.host.empty() || run.host.front().empty()) {
         refuse("no host program given");

@@ -16,13 +16,15 @@ enum class display_choice { automatic, headless, window };
 struct options {
     screen_shape shape;
     display_choice display = display_choice::automatic;
-    std::string script;      // file, "-" = standard input, empty = none
-    std::string shots = "."; // folder for the pictures
-    std::string expect;      // folder of reference pictures; empty = none
-    std::string record;      // file to write a session's script to; empty = none
-    std::string root;        // stands in for the device's folders; empty = none
-    std::string queue_path;  // names the queue; empty = the run's own folder
-    int timeout_s = 0;       // of the whole run; 0 = none
+    bool web = false;            // shown in browsers, too
+    std::optional<int> web_port; // of the page, 0 = any free one; none = ux-view chooses
+    std::string script;          // file, "-" = standard input, empty = none
+    std::string shots = ".";     // folder for the pictures
+    std::string expect;          // folder of reference pictures; empty = none
+    std::string record;          // file to write a session's script to; empty = none
+    std::string root;            // stands in for the device's folders; empty = none
+    std::string queue_path;      // names the queue; empty = the run's own folder
+    int timeout_s = 0;           // of the whole run; 0 = none
     bool verbose = false;
     bool virtual_time = false;
     int64_t first_second = k_first_second; // virtual time begins there, seconds since 1970

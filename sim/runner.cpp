@@ -4,6 +4,7 @@
 #include "sim/runner.h"
 
 #include "sim/album.h"
+#include "sim/browser_view.h"
 #include "sim/delivery.h"
 #include "sim/failure.h"
 #include "sim/host_process.h"
@@ -134,6 +135,9 @@ class runner {
                                             .queue_path = m_folder.queue_path()});
         tell(run, "queue path " + m_folder.queue_path());
         tell(run, "for ux-view " + m_folder.path());
+        if (run.web) {
+            m_browsers.emplace(m_folder.path(), run.web_port);
+        }
         host_setup setup = setup_for(run, m_folder, m_screen, m_clock);
         setup.variables.emplace_back("UX_SIM_RECORD", m_recorder ? m_recorder->path() : "");
         m_begun = now();
@@ -230,6 +234,9 @@ class runner {
             return finish_with(*ended);
         }
         check_timeout();
+        if (m_browsers) {
+            m_browsers->check();
+        }
         if (m_viewer && !show(changed)) {
             stop();
             return k_status_ok;
@@ -322,7 +329,8 @@ class runner {
     std::unique_ptr<viewer> m_viewer;
     std::optional<recorder> m_recorder;
     std::optional<album> m_album;
-    std::optional<host_process> m_host; // goes first
+    std::optional<host_process> m_host;     // goes before what it uses
+    std::optional<browser_view> m_browsers; // before the host's end ends whatever is left
     std::optional<player> m_player;
     steady::time_point m_begun;                   // by the time of host and script
     steady::time_point m_started;                 // in real time

@@ -99,10 +99,10 @@ std::optional<web_server> serve_page(const view_request &request, int vnc_port) 
     if (request.web_root.empty()) {
         return std::nullopt;
     }
-    const std::string page = request.web_root + "/vnc.html";
+    const std::string needed = request.web_root + "/core/rfb.js";
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(page, ignored)) {
-        const std::string text = "no browser page: there is no " + page + " (package novnc)";
+    if (!std::filesystem::is_regular_file(needed, ignored)) {
+        const std::string text = "no browser page: there is no " + needed + " (package novnc)";
         if (request.web_wanted) {
             throw ux::sim::failure(text);
         }

@@ -81,14 +81,14 @@ bool is_no_such_address(int error) {
     return error == EAFNOSUPPORT || error == EADDRNOTAVAIL;
 }
 
-// Empty when a port that was free at one address is taken at another.
-std::vector<listener> try_port(const std::vector<std::string> &addresses, int asked,
+// Empty when the port is taken at one of the addresses and `others` may be tried.
+std::vector<listener> try_port(const std::vector<std::string> &addresses, int asked, bool others,
                                bool all_must_exist) {
     std::vector<listener> result;
     int port = asked;
     for (const std::string &address : addresses) {
         const int fd = open_socket(address, port);
-        if (fd == -1 && errno == EADDRINUSE && asked == 0) {
+        if (fd == -1 && errno == EADDRINUSE && others) {
             return {};
         }
         if (fd == -1 && is_no_such_address(errno) && !all_must_exist) {
@@ -145,15 +145,23 @@ listener::~listener() {
     }
 }
 
-std::vector<listener> listen_at(const std::vector<std::string> &addresses, int port) {
+std::vector<listener> listen_at(const std::vector<std::string> &addresses,
+                                const port_choice &ports) {
     const std::vector<std::string> both = {"127.0.0.1", "::1"};
-    for (int tries = 0; tries < k_tries; ++tries) {
-        auto result = try_port(addresses.empty() ? both : addresses, port, !addresses.empty());
+    const bool any = ports.first == 0;
+    const int tries = any ? k_tries : ports.count;
+    for (int at = 0; at < tries; ++at) {
+        auto result = try_port(addresses.empty() ? both : addresses, any ? 0 : ports.first + at,
+                               tries > 1, !addresses.empty());
         if (!result.empty()) {
             return result;
         }
     }
-    throw sim::failure("no port is free at every address");
+    if (any) {
+        throw sim::failure("no port is free at every address");
+    }
+    throw sim::failure("no port from " + std::to_string(ports.first) + " to " +
+                       std::to_string(ports.first + ports.count - 1) + " is free at every address");
 }
 
 } // namespace ux::view

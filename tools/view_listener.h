@@ -35,8 +35,15 @@ class listener {
     int m_port;
 };
 
-// Listens at each address, all at the same port; port 0 = one that is free at all of them. Without
+// Where to listen: at one port, 0 = any free one, or at the first free one of a row.
+struct port_choice {
+    int first;
+    int count = 1;
+};
+
+// Listens at each address, all at the same port, which must be free at all of them. Without
 // addresses: at both loopbacks, one of which may not exist. Throws failure.
-std::vector<listener> listen_at(const std::vector<std::string> &addresses, int port);
+std::vector<listener> listen_at(const std::vector<std::string> &addresses,
+                                const port_choice &ports);
 
 } // namespace ux::view

@@ -27,10 +27,10 @@ constexpr const char *k_help = R"(Usage: ux-view [options] [DEVICE|FOLDER]
 Shows a screen over VNC and in browsers, and sends keys and touches back: the framebuffer of a device
 (default /dev/fb0), or the screen of a simulator by its folder, which ux-sim --verbose tells.
 
-  --port PORT            for VNC (default 5900; 0 = any free one)
-  --web-port PORT        for the browser page (default 5800; 0 = any free one)
+  --port PORT            for VNC (default the first free one from 5900 on; 0 = any free one)
+  --web-port PORT        for the browser page (default the first free one from 5800 on)
   --web-root DIR         noVNC's files (default /usr/share/novnc)
-  --no-web               no browser page
+  --web, --no-web        the browser page is a must, or is not wanted
   --listen ADDRESS       instead of 127.0.0.1 and ::1; may be given twice.
                          Any address but the loopback's wants a password
   --password-file FILE   ask viewers for the first line of FILE, 1 to 8 characters
@@ -42,6 +42,7 @@ enum option_code { // beyond the letters
     o_port = 256,
     o_web_port,
     o_web_root,
+    o_web,
     o_no_web,
     o_listen,
     o_password_file,
@@ -50,10 +51,11 @@ enum option_code { // beyond the letters
     o_version,
 };
 
-constexpr std::array<option, 10> k_options = {{
+constexpr std::array<option, 11> k_options = {{
     {"port", required_argument, nullptr, o_port},
     {"web-port", required_argument, nullptr, o_web_port},
     {"web-root", required_argument, nullptr, o_web_root},
+    {"web", no_argument, nullptr, o_web},
     {"no-web", no_argument, nullptr, o_no_web},
     {"listen", required_argument, nullptr, o_listen},
     {"password-file", required_argument, nullptr, o_password_file},
@@ -67,13 +69,13 @@ constexpr std::array<option, 10> k_options = {{
     throw usage_failure(text + "; see ux-view --help");
 }
 
-int read_port(const std::string &name, const std::string &text) {
+port_choice read_port(const std::string &name, const std::string &text) {
     auto port = sim::number_in(text, 0, k_highest_port);
     if (!port) {
         refuse("--" + name + " wants 0 to " + std::to_string(k_highest_port) + ", not '" + text +
                "'");
     }
-    return *port;
+    return {.first = *port};
 }
 
 std::string read_path(const std::string &name, const std::string &text) {
@@ -126,6 +128,9 @@ void apply(int code, const std::string &argument, view_request &request) {
         return;
     case o_web_root:
         request.web_root = read_path("web-root", argument);
+        request.web_wanted = true;
+        return;
+    case o_web:
         request.web_wanted = true;
         return;
     case o_no_web:

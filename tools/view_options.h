@@ -2,6 +2,8 @@
 // The command line of ux-view.
 #pragma once
 
+#include "tools/view_listener.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,8 +15,8 @@ struct view_request {
     std::string queue_path;             // names the input queue; empty = as the source has it
     std::vector<std::string> addresses; // to listen at, at most two; empty = both loopbacks
     std::string password;               // empty = none is asked for
-    int port = 5900;                    // of VNC and of the page's WebSocket; 0 = any free one
-    int web_port = 5800;                // of the browser page; 0 = any free one
+    port_choice port = {5900, 100};     // of VNC and of the page's WebSocket
+    port_choice web_port = {5800, 100}; // of the browser page
     std::string web_root = "/usr/share/novnc"; // the page's files; empty = no page
     bool web_wanted = false; // asked for: it is an error when the page is not there
 };

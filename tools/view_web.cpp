@@ -2,6 +2,8 @@
 // HTTP, as little as browsers need: GET and HEAD, one request for each connection.
 #include "tools/view_web.h"
 
+#include "tools/view_page.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -78,6 +80,16 @@ bool would_wait(ssize_t result) {
     return result == -1 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
 }
 
+std::string page_for(int vnc_port) {
+    std::string page(k_view_page);
+    page.replace(page.find(k_port_mark), k_port_mark.size(), std::to_string(vnc_port));
+    return page;
+}
+
+std::string whole_answer(std::string_view method, std::string_view name, const std::string &body) {
+    return head("200 OK", type_of(name), body.size()) + (method == "HEAD" ? "" : body);
+}
+
 } // namespace
 
 std::string web_file(std::string_view target) {
@@ -92,7 +104,7 @@ web_server::connection::~connection() {
 }
 
 web_server::web_server(std::vector<listener> sockets, const std::string &root, int vnc_port)
-    : m_sockets(std::move(sockets)), m_root(root), m_vnc_port(vnc_port) {}
+    : m_sockets(std::move(sockets)), m_root(root), m_page(page_for(vnc_port)) {}
 
 int web_server::add_to(fd_set &reading, fd_set &writing) const {
     int highest = -1;
@@ -166,9 +178,8 @@ std::string web_server::answer_to(std::string_view request) const {
     if (method != "GET" && method != "HEAD") {
         return short_answer("405 Method Not Allowed", "Allow: GET, HEAD\r\n");
     }
-    if (target == "/") {
-        return short_answer("302 Found", "Location: /vnc.html?autoconnect=1&resize=scale&port=" +
-                                             std::to_string(m_vnc_port) + "\r\n");
+    if (target == "/" || target.starts_with("/?")) {
+        return whole_answer(method, ".html", m_page);
     }
     const std::string name = web_file(target);
     const std::string path = m_root + name;
@@ -183,8 +194,7 @@ std::string web_server::answer_to(std::string_view request) const {
     }
     std::ostringstream body;
     body << file.rdbuf();
-    const std::string text = body.str();
-    return head("200 OK", type_of(name), text.size()) + (method == "HEAD" ? "" : text);
+    return whole_answer(method, name, body.str());
 }
 
 } // namespace ux::view

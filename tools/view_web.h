@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The browser page of ux-view: a small HTTP server for the files of noVNC, nothing else. It never
-// waits: a browser loads many files over several connections, slow or silent ones hold up nobody.
+// The browser page of ux-view: a small HTTP server for the page and the files of noVNC, nothing
+// else. It never waits: a browser loads many files over several connections, slow or silent ones
+// hold up nobody.
 #pragma once
 
 #include "sim/screen.h"
@@ -21,7 +22,7 @@ std::string web_file(std::string_view target);
 
 class web_server {
   public:
-    // Serves the files below `root`; "/" leads to the page that connects to `vnc_port`.
+    // Serves the page that connects to `vnc_port`, and noVNC's files below `root`.
     web_server(std::vector<listener> sockets, const std::string &root, int vnc_port);
 
     // Adds the sockets to wait for; the highest one, -1 = none.
@@ -53,7 +54,7 @@ class web_server {
 
     std::vector<listener> m_sockets;
     std::string m_root;
-    int m_vnc_port;
+    std::string m_page;
     std::list<connection> m_connections;
 };
 

@@ -7,7 +7,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 
 CODE_SUFFIXES = {".c", ".cpp", ".h"}
-SCRIPT_SUFFIXES = {".py", ".sh", ".cmake", ".uxs", ".map", ".in"}
+SCRIPT_SUFFIXES = {".py", ".sh", ".cmake", ".uxs", ".map", ".in", ".html"}
 SCRIPT_NAMES = {"dev", "run", "CMakeLists.txt", ".clang-tidy"}
 
 

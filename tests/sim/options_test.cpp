@@ -94,6 +94,28 @@ TEST(sim_options, virtual_time_begins_in_2025_unless_told) {
     EXPECT_EQ(parse({"--stall", "60", "h"}).run->stall_s, 60);
 }
 
+TEST(sim_options, web_takes_a_port_behind_an_equals_sign_only) {
+    EXPECT_FALSE(parse({"h"}).run->web);
+    const options any = parse({"--web", "5801"}).run.value();
+    EXPECT_TRUE(any.web);
+    EXPECT_EQ(any.web_port, std::nullopt);
+    EXPECT_EQ(any.host, std::vector<std::string>{"5801"});
+    EXPECT_EQ(parse({"--web=8080", "h"}).run->web_port, 8080);
+    EXPECT_EQ(parse({"--web=0", "h"}).run->web_port, 0);
+    for (const char *port : {"65536", "-1", "x", "80 ", "localhost:80"}) {
+        const std::string option = std::string("--web=") + port;
+        EXPECT_EQ(complaint(parse, {option.c_str(), "h"}),
+                  std::string("--web wants a port from 0 to 65535, not '") + port +
+                      "'; see ux-sim --help");
+    }
+}
+
+TEST(sim_options, a_browser_in_virtual_time_wants_a_script) {
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--web", "h"}),
+              "--virtual-time with --web wants a script; see ux-sim --help");
+    EXPECT_EQ(complaint(parse, {"--virtual-time", "--web", "--script", "s", "h"}), "");
+}
+
 TEST(sim_options, refuses_dates_that_do_not_exist) {
     for (const char *date : {"", "2025", "2025-02-29", "2025-13-01", "2025-01-01T24:01", "tomorrow",
                              "2025-01-01 10:00", "1979-12-31", "2100-01-01", "2025-01-01T1:2:3Z"}) {

@@ -341,11 +341,14 @@ class Web(ViewTest):
         self.assertEqual((status, body), (200, b""))
         self.assertIn("\r\nContent-Length: 15\r\n", head)
 
-    def test_the_root_leads_to_the_page_that_connects(self):
-        status, head, _ = self.get(b"/")
-        self.assertEqual(status, 302)
-        self.assertIn(f"\r\nLocation: /vnc.html?autoconnect=1&resize=scale&port={self.port}\r\n",
-                      head + "\r\n")
+    def test_the_root_is_the_page_that_connects(self):
+        for target in (b"/", b"/?anything"):
+            status, head, body = self.get(target)
+            self.assertEqual(status, 200)
+            self.assertIn("\r\nContent-Type: text/html; charset=utf-8\r\n", head)
+            self.assertIn(f'<meta name="vnc-port" content="{self.port}">'.encode(), body)
+            self.assertIn(b"from './core/rfb.js'", body)
+            self.assertTrue(body.endswith(b"</html>\n"))
 
     def test_nothing_outside_the_folder_is_served(self):
         for target in (b"/../outside", b"/core/../../outside", b"/%2e%2e/outside", b"/.hidden",
@@ -393,7 +396,7 @@ class Web(ViewTest):
         self.assertEqual(
             self.refusal("--port", "0", "--web-root", empty,
                          self.viewer.process.args[-1]),
-            (1, f"ux-view: no browser page: there is no {empty}/vnc.html (package novnc)\n"))
+            (1, f"ux-view: no browser page: there is no {empty}/core/rfb.js (package novnc)\n"))
 
 
 class Speed(ViewTest):
