@@ -19,7 +19,7 @@ namespace ux::sim {
 
 namespace {
 
-constexpr size_t k_largest_script_bytes = 1 << 20;
+constexpr size_t k_largest_script_bytes = 16 << 20;
 constexpr size_t k_longest_name = 200;
 constexpr int k_longest_wait_ms = 3600 * 1000;
 constexpr int k_default_limit_ms = 10 * 1000; // beyond the wait itself
@@ -328,7 +328,7 @@ script read_script(const std::string &path) {
         throw usage_failure(system_reason("cannot read the script " + name));
     }
     if (text.size() > k_largest_script_bytes) {
-        throw usage_failure("the script " + name + " is longer than 1 MiB");
+        throw usage_failure("the script " + name + " is longer than 16 MiB");
     }
     return parse_script(text, name);
 }

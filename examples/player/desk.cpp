@@ -14,7 +14,7 @@ constexpr int k_sheet_left = 8;
 constexpr int k_text_left = 20; // of the calendar
 constexpr int k_sheet_top = 36;
 constexpr int k_sheet_height = 588;
-constexpr int k_side_width = 392; // of the panel with the clock
+constexpr int k_side_width = 400; // of the panel with the clock
 constexpr int k_clock_size = 360;
 constexpr int k_calendar_size = 24; // the longest month's name in its column
 constexpr int k_time_size = 72;
@@ -110,7 +110,7 @@ int leave(ux_page *, intptr_t, intptr_t, intptr_t) {
 
 // The calendar's layout is the screen's: its texts begin at column 20, its grid at row 50.
 void add_calendar(ux_container &page) {
-    constexpr int width = k_screen_width - k_side_width - 2 * k_gap - k_sheet_left;
+    constexpr int width = k_screen_width - k_side_width - k_gap - 2 * k_sheet_left;
     s_desk.sheet = add_panel(page, {k_sheet_left, k_sheet_top, width, k_sheet_height},
                              k_sheet_color, k_thin_border);
     ux_obj_set_handler(&s_desk.sheet->obj, turn_by_touch, nullptr);
@@ -126,7 +126,7 @@ void add_clock(ux_container &page) {
     constexpr int middle = k_clock_size / 2;
     constexpr int radius = 150;
     constexpr int digits_width = 212; // of five
-    constexpr int left = k_screen_width - k_gap - k_side_width;
+    constexpr int left = k_screen_width - k_sheet_left - k_side_width;
     constexpr int top = k_sheet_top + (k_sheet_height - k_clock_size - k_gap - k_time_size) / 2;
     ux_container *side = add_panel(page, {left, k_sheet_top, k_side_width, k_sheet_height},
                                    k_panel_color, k_thin_border);
@@ -149,8 +149,8 @@ void add_clock(ux_container &page) {
 void build_desk() {
     ux_page *page = new_page();
     s_shell.desk = page->container.obj.page_id;
-    s_desk.year = s_shell.year;
-    s_desk.month = s_shell.month;
+    s_desk.year = s_shell.first_month.year;
+    s_desk.month = s_shell.first_month.month;
     add_calendar(page->container);
     add_clock(page->container);
     add_hint(page->container, u"Left, right: turn the month        0: menu", k_text_left);

@@ -152,9 +152,11 @@ ux_select_box *add_choice(const char16_t *caption, std::initializer_list<const c
     ux_select_box *choice =
         made(ux_select_box_new(frame, k_control_left + k_frame_padding, text_top(),
                                k_control_width - 2 * k_frame_padding, k_control_height));
-    for (const char16_t *text : texts)
-        if (ux_select_box_add_item(choice, text) != 0)
+    for (const char16_t *text : texts) {
+        const std::u16string apart = std::u16string(u" ") + text; // from the sign before it
+        if (ux_select_box_add_item(choice, apart.c_str()) != 0)
             std::exit(EXIT_FAILURE);
+    }
     ux_select_box_set_fg_color(choice, k_text_color, k_title_color);
     ux_select_box_set_bg_color(choice, k_control_color, k_control_color);
     add_stop({&choice->obj, frame, add_caption(caption), k_change_help});

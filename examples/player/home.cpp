@@ -26,7 +26,9 @@ constexpr int k_preview_left = k_screen_width - k_margin - k_border - k_preview_
 constexpr int k_preview_top = k_top + k_border; // in a frame
 
 constexpr const char16_t *k_message = u"\n      Messages\n\n      Ada: the boat leaves at 9:15.\n"
-                                      u"      Tea is in the blue tin.\n\n\n      OK leads back";
+                                      u"      Tea is in the blue tin.\n\n\n\n      OK leads back";
+constexpr const char16_t *k_is_locked = u"\n      The power button is locked\n\n      This player "
+                                        u"stays on.\n\n\n\n\n      OK leads back";
 
 struct home_page {
     ux_page *page = nullptr;
@@ -75,8 +77,11 @@ int leave_page(ux_page *, intptr_t, intptr_t, intptr_t) {
 // Doing.
 
 int leave_program(ux_event *) {
-    leave_page(nullptr, 0, 0, 0);
-    return ux_screen_quit_main_loop();
+    if (s_shell.locked)
+        open_note(k_is_locked);
+    else
+        ux_screen_quit_main_loop();
+    return 0;
 }
 
 int choose(ux_button_list *, int index) {

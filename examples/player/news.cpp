@@ -14,10 +14,9 @@ namespace {
 constexpr int k_height = 48; // and the size of the text
 constexpr int k_top_row = k_hint_top - 4;
 
-constexpr char k_lines[] =
-    "Good evening. Rain in the north until midnight, dry and mild in the south.\n"
-    "Trains run on time again.\n"
-    "Tomorrow: sun from early morning on, 24 degrees.\n";
+constexpr char k_lines[] = "Good evening. Rain until midnight.\n"
+                           "Trains run on time again.\n"
+                           "Tomorrow: sun, up to 24 degrees.\n";
 
 struct news_line {
     bulletin lines;
@@ -42,12 +41,11 @@ void start_news() {
         return;
     for (const flag *lowered : {&s_shell.status, &s_shell.message, &s_shell.ticker_state})
         lowered->lower();
-    const bool goes_up = s_shell.set.news == k_news_up;
-    s_news.ticker = std::thread([goes_up] {
-        constexpr int up = 2; // the modes of the ticker
-        constexpr int left = 4;
+    s_news.ticker = std::thread([] {
+        constexpr int step = 2;
+        constexpr int to_the_left = 4; // upwards, a line would pass in half a second
         uxFontDrawing(s_news.lines.path(), k_focus_line_color, k_page_color, k_margin, k_top_row,
-                      k_width, k_height, k_height, k_height, goes_up ? 1 : 2, goes_up ? up : left);
+                      k_width, k_height, k_height, k_height, step, to_the_left);
     });
 }
 

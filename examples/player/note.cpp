@@ -15,7 +15,7 @@ constexpr int k_memo_width = 646; // the picture behind it and the border
 constexpr int k_memo_height = 326;
 constexpr int k_memo_border = 3;
 constexpr const char16_t *k_reminder =
-    u"\n      It is time\n\n      You wanted to be reminded\n      now.\n\n\n      OK leads back";
+    u"\n      It is time\n\n      You wanted to be reminded\n      now.\n\n\n\n      OK leads back";
 
 struct note_page {
     ux_memo *memo = nullptr;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The photo show: each picture is revealed over the last one by an effect. While that goes on, the
 // menu key stops it through "STATUS" and a message through "ShowMSG".
-#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 #include "look.h"
 #include "shell.h"
@@ -15,13 +16,13 @@ namespace {
 constexpr int k_effects = 8;
 constexpr int k_bar_height = 80; // of the caption
 constexpr int k_bar_top = k_screen_height - k_bar_height;
-constexpr int k_keys_width = 400;
+constexpr int k_keys_width = 350;             // of its text, which ends at the margin
 constexpr uint32_t k_veil_color = 0xD00A111D; // translucent
 
 constexpr const char16_t *k_message =
-    u"\n      Dinner is ready\n\n      The show waits for you.\n\n\n\n      OK goes on";
-constexpr const char16_t *k_nothing =
-    u"\n      No pictures\n\n      Start the player with a folder\n      or an address.";
+    u"\n      Dinner is ready\n\n      The show waits for you.\n\n\n\n\n      OK goes on";
+constexpr const char16_t *k_nothing = u"\n      No pictures\n\n      Start the player with a "
+                                      u"folder\n      or an address.\n\n\n\n      OK leads back";
 
 struct photo_show {
     size_t step = 0; // pictures shown so far
@@ -50,8 +51,39 @@ void stop_effect(const ux_event &event) {
         s_shell.message.raise();
 }
 
-void draw(const std::string &path, int effect) {
-    ux_draw_image(path.c_str(), 0, 0, k_screen_width, k_screen_height, effect);
+// The pixels of a picture at the size of the screen; null when it cannot be read.
+using loaded = std::unique_ptr<void, decltype(&std::free)>;
+
+loaded load(size_t index) {
+    const char *path = s_shell.pictures[index].c_str();
+    return {ux_load_image(path, k_screen_width, k_screen_height), &std::free};
+}
+
+void write_line(const char16_t *text, uint32_t color, uint32_t background, const box &place) {
+    uxFontDrawing(text, color, background, place.x, place.y, place.w, place.h, k_text_size,
+                  k_text_size, 0, 1);
+}
+
+// What stands on the screen instead of a picture that cannot be read.
+void draw_missing() {
+    constexpr int text_width = 476;
+    constexpr box panel = {240, 220, k_screen_width - 480, 200};
+    uxDrawBox(0, 0, k_screen_width - 1, k_screen_height - 1, k_page_color);
+    uxDrawBox(panel.x, panel.y, panel.x + panel.w - 1, panel.y + panel.h - 1, k_line_color);
+    uxDrawBox(panel.x + k_border, panel.y + k_border, panel.x + panel.w - 1 - k_border,
+              panel.y + panel.h - 1 - k_border, k_panel_color);
+    ux_screen_blit_rect(0, 0, k_screen_width, k_screen_height);
+    write_line(u"This picture cannot be shown", k_text_color, k_panel_color,
+               {(k_screen_width - text_width) / 2, panel.y + (panel.h - k_text_size) / 2,
+                text_width, k_text_size});
+}
+
+void draw(const loaded &photo, int effect) {
+    if (!photo) {
+        draw_missing();
+        return;
+    }
+    ux_draw_image_buff(photo.get(), 0, 0, k_screen_width, k_screen_height, effect);
     ux_screen_blit_rect(0, 0, k_screen_width, k_screen_height);
 }
 
@@ -65,16 +97,16 @@ void draw_caption(size_t index) {
     const std::string name = std::filesystem::path(s_shell.pictures[index]).stem().string();
     const std::u16string text = widened(std::to_string(index + 1) + " of " +
                                         std::to_string(s_shell.pictures.size()) + "    " + name);
-    uxFontDrawing(text.c_str(), k_title_color, k_veil_color, k_margin, y,
-                  keys_left - k_margin - k_gap, k_text_size, k_text_size, k_text_size, 0, 1);
-    uxFontDrawing(u"Right: next    0: menu", k_quiet_color, k_veil_color, keys_left, y,
-                  k_keys_width, k_text_size, k_text_size, k_text_size, 0, 1);
+    write_line(text.c_str(), k_title_color, k_veil_color,
+               {k_margin, y, keys_left - k_margin - k_gap, k_text_size});
+    write_line(u"Right: next    0: menu", k_quiet_color, k_veil_color,
+               {keys_left, y, k_keys_width, k_text_size});
 }
 
 // A message comes over the whole picture, not over half of it.
-int interrupt(size_t index) {
+int interrupt(const loaded &photo) {
     s_shell.message.lower(); // it is being shown
-    draw(s_shell.pictures[index], 0);
+    draw(photo, 0);
     open_note(k_message);
     return 0;
 }
@@ -89,14 +121,16 @@ int show_next(ux_event *) {
     const size_t index = s_show.step % s_shell.pictures.size();
     const int effect = effect_of(s_show.step);
     s_show.step++;
+    loaded photo(nullptr, &std::free);
     {
         show_stopper stopper(stop_effect);
-        draw(s_shell.pictures[index], effect);
+        photo = load(index);
+        draw(photo, effect);
     }
     if (s_shell.status.is_raised())
         return go_home(nullptr);
     if (s_shell.message.is_raised())
-        return interrupt(index);
+        return interrupt(photo);
     draw_caption(index);
     s_show.timer = ux_set_timeout(s_shell.set.seconds * 1000000, show_next, nullptr);
     return 0;

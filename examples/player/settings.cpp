@@ -90,7 +90,7 @@ void build_form() {
     s_settings.effect = add_choice(
         u"Effect", {u"All in turn", u"From the top", u"From the bottom", u"From the left",
                     u"From the right", u"From the corner", u"To the middle", u"Blinds", u"Spiral"});
-    s_settings.news = add_choice(u"News line", {u"To the left", u"Upwards", u"Off"});
+    s_settings.news = add_choice(u"News line", {u"On", u"Off"});
     s_settings.remind_at = add_field(u"Remind at", k_time_digits);
     ux_text_field_set_type(s_settings.remind_at, UX_INPUT_NUMERIC);
     s_settings.reminds = add_check(u"Reminder", u"Show a message");

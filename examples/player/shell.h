@@ -9,33 +9,32 @@
 #include <vector>
 
 #include "flag.h"
+#include "moment.h"
 
 #include <ux.h>
 
 namespace player {
 
-// How the news line moves; the order is that of the choices in the form.
-enum news_mode { k_news_left, k_news_up, k_news_off };
+// The order is that of the choices in the form.
+enum news_mode { k_news_on, k_news_off };
 
 struct settings {
     std::u16string name = u"My player";
     int effect = 0; // 0 = all in turn, else the number of one
-    int news = k_news_left;
+    int news = k_news_on;
     std::u16string remind_at = u"1830"; // hours and minutes, four digits
     bool reminds = false;
     bool shows_captions = true;
     int seconds = 3; // rest after a picture
 };
 
-struct time_of_day {
-    int hours, minutes, seconds;
-};
-
 struct shell {
     settings set;
     std::vector<std::string> pictures;     // paths and addresses, in the order of the show
     std::optional<time_of_day> fixed_time; // the clock stands at it
-    int year = 0, month = 1;               // that the calendar begins with
+    month_of_year first_month = {};        // of the calendar
+    bool locked = false;                   // the power button does not end the program
+    const char *rotation = nullptr;        // asked for; null = none
     flag status;                           // on the way to the menu
     flag message;                          // a message wants the screen
     flag ticker_state;                     // the news line alone is to stop

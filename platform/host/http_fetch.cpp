@@ -6,6 +6,7 @@
  * Only plain `http://` is spoken, redirected or not. Proxies named in the environment are not used:
  * an address means the server that it names. No cookies, passwords or compression.
  */
+#include "platform/host/curl_library.h"
 #include "platform/host/export.h"
 #include "platform/host/http_limits.h"
 
@@ -16,10 +17,11 @@
 #include <new>
 #include <string_view>
 
-#include <curl/curl.h>
 #include <strings.h>
 
 namespace {
+
+using em862x::curl;
 
 constexpr std::size_t k_buffer_bytes = 64u << 10;
 /* libcurl hands the body over in pieces up to this size; one must fit into an empty buffer. */
@@ -29,22 +31,11 @@ constexpr char k_scheme[] = "http://";
 constexpr char k_user_agent[] = "ux";
 
 struct easy_deleter {
-    void operator()(CURL *easy) const noexcept { curl_easy_cleanup(easy); }
+    void operator()(CURL *easy) const noexcept { curl().easy_cleanup(easy); }
 };
 struct multi_deleter {
-    void operator()(CURLM *multi) const noexcept { curl_multi_cleanup(multi); }
+    void operator()(CURLM *multi) const noexcept { curl().multi_cleanup(multi); }
 };
-
-struct fetch_state {
-    bool curl_ready = false; /* libcurl is initialised, and stays so: the host may use it too */
-};
-constinit fetch_state s_fetch;
-
-bool prepare_curl() noexcept {
-    if (!s_fetch.curl_ready)
-        s_fetch.curl_ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    return s_fetch.curl_ready;
-}
 
 /* Sets options one after the other and remembers whether all were taken. */
 class option_setter {
@@ -53,7 +44,7 @@ class option_setter {
 
     template <class Value>
     option_setter &set(CURLoption option, Value value) noexcept {
-        taken_ = taken_ && curl_easy_setopt(easy_, option, value) == CURLE_OK;
+        taken_ = taken_ && curl().easy_setopt(easy_, option, value) == CURLE_OK;
         return *this;
     }
     bool all_taken() const noexcept { return taken_; }
@@ -141,7 +132,7 @@ std::size_t on_body(char *data, std::size_t size, std::size_t count, void *fetch
 
 http_fetch::~http_fetch() {
     if (multi_ && easy_)
-        curl_multi_remove_handle(multi_.get(), easy_.get());
+        curl().multi_remove_handle(multi_.get(), easy_.get());
 }
 
 http_fetch::clock::time_point http_fetch::stall_time() const noexcept {
@@ -153,7 +144,7 @@ bool http_fetch::is_answered() const noexcept {
     constexpr long status_class = 100;
     long status = 0;
     return head_ended_ &&
-           curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status) == CURLE_OK &&
+           curl().easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status) == CURLE_OK &&
            status / status_class == 2;
 }
 
@@ -191,16 +182,16 @@ void http_fetch::resume() noexcept {
     if (!paused_ || !running_)
         return;
     paused_ = false;
-    if (curl_easy_pause(easy_.get(), CURLPAUSE_CONT) != CURLE_OK)
+    if (curl().easy_pause(easy_.get(), CURLPAUSE_CONT) != CURLE_OK)
         finish(false);
 }
 
 /* Does what can be done without waiting. */
 void http_fetch::drive() noexcept {
     int count = 0;
-    if (curl_multi_perform(multi_.get(), &count) != CURLM_OK)
+    if (curl().multi_perform(multi_.get(), &count) != CURLM_OK)
         finish(false);
-    while (const CURLMsg *message = curl_multi_info_read(multi_.get(), &count))
+    while (const CURLMsg *message = curl().multi_info_read(multi_.get(), &count))
         if (message->msg == CURLMSG_DONE)
             finish(message->data.result == CURLE_OK && is_answered());
 }
@@ -208,7 +199,7 @@ void http_fetch::drive() noexcept {
 void http_fetch::wait(clock::time_point until) noexcept {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - clock::now()).count();
     if (left <= 0 ||
-        curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK)
+        curl().multi_poll(multi_.get(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK)
         finish(false);
 }
 
@@ -234,8 +225,8 @@ void http_fetch::fill() noexcept {
 }
 
 bool http_fetch::open(const char *url) noexcept {
-    multi_.reset(curl_multi_init());
-    easy_.reset(curl_easy_init());
+    multi_.reset(curl().multi_init());
+    easy_.reset(curl().easy_init());
     if (!multi_ || !easy_)
         return false;
     option_setter options(easy_.get());
@@ -246,7 +237,7 @@ bool http_fetch::open(const char *url) noexcept {
         .set(CURLOPT_HEADERDATA, this)
         .set(CURLOPT_WRITEFUNCTION, on_body)
         .set(CURLOPT_WRITEDATA, this);
-    if (!options.all_taken() || curl_multi_add_handle(multi_.get(), easy_.get()) != CURLM_OK)
+    if (!options.all_taken() || curl().multi_add_handle(multi_.get(), easy_.get()) != CURLM_OK)
         return false;
     fill();
     return end_ > 0 || complete_;
@@ -286,7 +277,7 @@ int close_fetch(void *cookie) noexcept {
 void *fetchOpen(const char *url, int flags) {
     if (!url || flags != 0 || strncasecmp(url, k_scheme, std::strlen(k_scheme)) != 0)
         return nullptr;
-    if (!prepare_curl())
+    if (!em862x::load_curl())
         return nullptr;
     auto *fetch = new (std::nothrow) http_fetch(em862x::read_http_limits());
     if (fetch && !fetch->open(url)) {

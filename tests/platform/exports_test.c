@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 static void check(int holds, const char *claim) {
     if (!holds) {
@@ -58,6 +59,25 @@ static void check_glyph(void) {
     FSS_free_char(glyph);
 }
 
+static int is_mapped(const char *name) {
+    char line[4096];
+    int found = 0;
+    FILE *maps = fopen("/proc/self/maps", "r");
+    while (maps && fgets(line, sizeof line, maps))
+        found = found || strstr(line, name) != NULL;
+    if (maps)
+        fclose(maps);
+    return found;
+}
+
+static void check_address(void) {
+    check(!is_mapped("/libcurl"), "libcurl waits for the first address");
+    check(fetchOpen("ftp://127.0.0.1/a.jpg", 0) == NULL, "an address of another kind");
+    check(!is_mapped("/libcurl"), "libcurl waits for an address that is fetched");
+    check(fetchOpen("http://127.0.0.1:1/a.jpg", 0) == NULL, "nobody answers");
+    check(is_mapped("/libcurl"), "libcurl is loaded by the first address");
+}
+
 static void check_hidden(void) {
     void *library = dlopen("libem862x-host.so.1", RTLD_NOW | RTLD_NOLOAD);
     check(library != NULL, "the library has its name");
@@ -70,6 +90,7 @@ int main(void) {
     check_nulls();
     check_files();
     check_glyph();
+    check_address();
     check_hidden();
     return 0;
 }

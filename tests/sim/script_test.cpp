@@ -5,8 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <iterator>
 #include <random>
+
+#include <unistd.h>
 
 namespace {
 
@@ -175,6 +179,20 @@ TEST(script, complains_about_steps_that_could_never_be_reached) {
               "demo:2: only 'shot' and 'quit' may follow 'wait exit'");
     EXPECT_EQ(complaint("wait exit\nshot a.png\nwait 5"),
               "demo:3: only 'shot' and 'quit' may follow 'wait exit'");
+}
+
+// As a long random session has them; each line is checked against all before it.
+TEST(script, has_room_for_200000_steps) {
+    std::string text;
+    for (int step = 0; step < 200000; ++step) {
+        text += step % 2 == 0 ? "touch 1279 719\n" : "key right\n";
+    }
+    const std::string path = testing::TempDir() + "ux-script-" + std::to_string(getpid());
+    std::ofstream(path) << text << "wait exit\nshot a.png\n";
+    EXPECT_EQ(read_script(path).steps.size(), 200002u);
+    std::ofstream(path) << text << "wait exit\nkey ok\n";
+    EXPECT_THROW(read_script(path), usage_failure);
+    std::remove(path.c_str());
 }
 
 TEST(script, keeps_control_characters_out_of_its_complaints) {
