@@ -413,7 +413,7 @@ UX_API int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t a
 UX_API int ux_container_scan(ux_container *container, ux_handler callback, void *arg) UX_NOEXCEPT;
 
 /* Releases every child through its `free` slot, then the container. Children of child containers
- * are not released. Returns 0. */
+ * are not released. A page whose focus one of them had has none afterwards. Returns 0. */
 UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
 
 /* Paints background (colour, saved copy or picture file) and border only. Returns 0. */
