@@ -470,7 +470,7 @@ UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
  * Returns 0, or -2 when there is none. */
 UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 
-/* The event thread: reads messages from the pipe into the ring. */
+/* The event thread: reads messages from the pipe into the ring until ux_event_close(). */
 UX_API void *event_task(void *unused) UX_NOEXCEPT;
 
 /* Opens the message queue and starts the bridge thread. Returns 0, or -1 on any failure. */
