@@ -187,20 +187,21 @@ struct ux_obj {
     uint32_t left_focus_color;   /* stored, never painted */
     uint32_t right_color;        /* right side, normal */
     uint32_t right_focus_color;  /* stored, never painted */
-    uint32_t alpha;              /* opacity 0..255 */
+    uint32_t alpha;              /* 0..255; stored only: nothing is painted by it */
     ux_handler handler;          /* touch handler; may be null */
     void *handler_data;          /* the host's pointer, handed over as the event's data */
     ux_slot set_focus;           /* gives the object the focus; may be null */
     ux_slot unset_focus;         /* takes the focus away; may be null */
     ux_slot set_select;          /* marks it selected; may be null */
     ux_slot unset_select;        /* clears selected; may be null */
-    ux_slot hide;                /* hides it */
-    ux_slot show;                /* shows and paints it */
-    ux_slot repaint;             /* paints it again if visible, else hides it */
+    ux_slot hide;                /* hides it; not null */
+    ux_slot show;                /* shows and paints it; null only for a container's child */
+    ux_slot repaint;             /* paints it again if visible, else hides it; not null */
     ux_slot get_status;          /* returns status */
-    ux_slot free;                /* releases it; null = ux_obj_free() */
+    ux_slot free;                /* releases it; null = ux_obj_free(), not in a container that
+                                    ux_container_free() releases */
     void *bg_backup;             /* screen pixels under the object, width * height, rows packed */
-    void *fg_backup;             /* pixels of the painted face, same layout; never freed */
+    void *fg_backup;             /* pixels of the painted face, same layout; the host's to free() */
     ux_obj *next;                /* next sibling; written by containers only */
     ux_obj *parent;              /* the container it is in, or null; written by containers only */
 };
@@ -210,7 +211,7 @@ struct ux_obj {
 struct ux_container {
     ux_obj obj;                                           /* the header */
     uint32_t bg_color;                                    /* background; 0 = none; default black */
-    char bg_image[UX_PATH_BYTES];                         /* picture file; empty = none */
+    char bg_image[UX_PATH_BYTES];                         /* picture path; empty = none */
     uint32_t count;                                       /* number of children */
     ux_obj *children;                                     /* newest child, or null */
     int (*add_obj)(ux_container *container, ux_obj *obj); /* links a new child in */
@@ -265,7 +266,9 @@ UX_API int ux_system_close(void) UX_NOEXCEPT;
 
 /* Sets the display rotation: "RORATE_90" or "RORATE_270", spelled so, exchange the drawing width
  * and height; any other string changes nothing. Call it once, after ux_system_init() and before
- * anything is painted; pages made before keep their size. Returns 0. */
+ * anything is painted; pages made before keep their size. What lies in `buf` is turned on its way
+ * to `fb`, which takes a `buf` of the host's own; texts of widgets are painted into `fb` itself and
+ * are not turned, nor are touches. Returns 0. */
 UX_API int ux_screen_rorate_init(const char *mode) UX_NOEXCEPT;
 
 /* The current page, or null when `current_page` names none. */
@@ -278,12 +281,15 @@ UX_API int ux_screen_show_all(void) UX_NOEXCEPT;
 UX_API int ux_screen_repaint(void) UX_NOEXCEPT;
 
 /* Calls the current page's on_leave with `a`, `b`, `c`, makes page `index` current, calls its
- * on_enter and repaints it, which takes 1 second. The page may be made in the on_leave. An index
- * without a page is stored, and nothing is entered or painted. Returns 0. */
+ * on_enter and then repaints it, which takes 1 second. The page may be made in the on_leave. The
+ * current page is left and entered too. Nothing is marked hidden, each page keeps its focus, and
+ * clocks and timers of the page that is left go on. An index without a page is stored, and nothing
+ * is entered or painted. Returns 0. */
 UX_API int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
 
-/* Copies a rectangle (pixels) of `buf` to `fb`, turned when the display is rotated. Returns 0, or
- * -1 when x < 0, y < 0, x > width or y > height. */
+/* Copies a rectangle (pixels) of `buf` to `fb`, turned when the display is rotated; what lies
+ * beyond the right and bottom edge is left out. Returns 0, or -1 when x < 0, y < 0, x > width or y
+ * > height. */
 UX_API int ux_screen_blit_rect(int x, int y, int w, int h) UX_NOEXCEPT;
 
 /* Runs timers and dispatches events until ux_screen_quit_main_loop() is called: one event per pass,
@@ -326,7 +332,8 @@ UX_API int ux_obj_get_status(ux_obj *obj) UX_NOEXCEPT;
 /* Stores the whole `status` word and returns `value`. */
 UX_API int ux_obj_set_status(ux_obj *obj, uint32_t value) UX_NOEXCEPT;
 
-/* Stores the low 8 bits of `a` as the opacity: 300 becomes 44. Returns 0. */
+/* Stores the low 8 bits of `a` in the field `alpha`: 300 becomes 44. No widget looks at it. Returns
+ * 0. */
 UX_API int ux_obj_set_alpha(ux_obj *obj, uint32_t a) UX_NOEXCEPT;
 
 /* Stores the touch handler and the pointer it is given; both may be null. Returns 0. */
@@ -342,8 +349,9 @@ UX_API int ux_obj_set_default_border_color(ux_obj *obj) UX_NOEXCEPT;
 UX_API int ux_obj_set_border_color(ux_obj *obj, uint32_t sides, uint32_t normal,
                                    uint32_t focus) UX_NOEXCEPT;
 
-/* Copies the pixels under the object from `buf` into `fg_backup`, allocated here when null. Pixels
- * outside the screen become 0. Returns 0, or -2 when out of memory. */
+/* Copies the pixels under the object from `buf` into `fg_backup`, allocated here by malloc() when
+ * it is null or too small. Pixels outside the screen become 0. Returns 0, or -2 when out of memory.
+ */
 UX_API int ux_obj_backup_fg(ux_obj *obj) UX_NOEXCEPT;
 
 /* The same into `bg_backup`. A buffer given by the host is left untouched, and 0 returned. */
@@ -355,10 +363,11 @@ UX_API int ux_obj_backup_bg(ux_obj *obj) UX_NOEXCEPT;
 UX_API int ux_obj_set_bg_buffer(ux_obj *obj, void *pixels) UX_NOEXCEPT;
 
 /* Moves and resizes the object and drops its background copy (a buffer of the host's is not freed).
- * Paints nothing. Returns 0. */
+ * `fg_backup` stays, though it has the old size. Paints nothing. Returns 0. */
 UX_API int ux_obj_set_size(ux_obj *obj, int x, int y, int w, int h) UX_NOEXCEPT;
 
-/* Frees `bg_backup`, whoever gave it, and the record. Does not unlink it. Returns 0. */
+/* Frees `bg_backup`, whoever gave it, and the record, but no `fg_backup`. Does not unlink it.
+ * Returns 0. */
 UX_API int ux_obj_free(ux_obj *obj) UX_NOEXCEPT;
 
 /* Makes the object's rectangle visible: ux_screen_blit_rect(). Returns its result. */
@@ -412,11 +421,13 @@ UX_API int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t a
  * `arg` in `data`; it may delete objects. Returns the sum of the results, 0 for a null callback. */
 UX_API int ux_container_scan(ux_container *container, ux_handler callback, void *arg) UX_NOEXCEPT;
 
-/* Releases every child through its `free` slot, then the container. Children of child containers
- * are not released. A page whose focus one of them had has none afterwards. Returns 0. */
+/* Releases every child as ux_container_del_obj() does, then the container. Children of child
+ * containers are not released. A page whose focus one of them had has none afterwards. Does not
+ * unlink it; the `free` slot of a container is ux_obj_free() and releases no child. Returns 0. */
 UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
 
-/* Paints background (colour, saved copy or picture file) and border only. Returns 0. */
+/* Paints background (colour, saved copy or picture) and border only. The picture fills the inside
+ * of the border and is loaded at every show, but once only with UX_FLAG_SAVE_BG. Returns 0. */
 UX_API int ux_container_show_self(ux_container *container) UX_NOEXCEPT;
 
 /* Paints the container, then calls every child's `show` slot, newest first. Returns 0. */
@@ -432,8 +443,8 @@ UX_API int ux_container_hide(ux_obj *container) UX_NOEXCEPT;
  * one. Returns 0. */
 UX_API int ux_container_repaint(ux_obj *container) UX_NOEXCEPT;
 
-/* Gives the focus to every child in turn, then to the container, which stays the page's focus.
- * Returns 0. */
+/* Gives the focus to every child in turn, also those that take over keys, then to the container,
+ * which stays the page's focus. Returns 0. */
 UX_API int ux_container_set_focus(ux_obj *container) UX_NOEXCEPT;
 
 /* Takes the focus from every child, then from the container; the page's `focus` is left. Returns 0.
@@ -454,8 +465,8 @@ UX_API int ux_container_set_bg_image(ux_container *container, const char *path) 
 /* Events                                                                                         */
 /* ============================================================================================== */
 
-/* Makes the pipe /tmp/event, starts the event thread and the bridge from the message queue. Called
- * by the main loop. Returns 0. */
+/* Makes the pipe /tmp/event, starts the event thread and the bridge from the message queue, and
+ * leaves the process's file creation mask at 0. Called by the main loop. Returns 0. */
 UX_API int ux_event_init(void) UX_NOEXCEPT;
 
 /* Stops the bridge and the event thread. Events left in the ring stay. Returns 0. */
@@ -473,7 +484,8 @@ UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 /* The event thread: reads messages from the pipe into the ring until ux_event_close(). */
 UX_API void *event_task(void *unused) UX_NOEXCEPT;
 
-/* Opens the message queue and starts the bridge thread. Returns 0, or -1 on any failure. */
+/* Opens the message queue of ftok("/tmp", 40), made with mode 0660 if there is none, and starts the
+ * bridge thread. Returns 0, or -1 on any failure. */
 UX_API int uxEvent_Init_em862x(void) UX_NOEXCEPT;
 
 /* Stops the bridge thread and waits for its end. Returns 0. */
@@ -518,9 +530,12 @@ extern UX_API int ux_timeout_count;        /* timeouts ever set: the next id */
 extern UX_API ux_atimer *ux_atimer_list;   /* pending alarms, newest first */
 extern UX_API int ux_atimer_count;         /* alarms ever set: the next id */
 
+/* Timers fire on the main loop's thread and while it runs; no other thread may set or delete one. A
+ * callback may set and delete timers. */
+
 /* Calls `callback` once, `delay_us` microseconds from now or a little later (the main loop looks
- * about every 10 ms), with an event of type UX_EVENT_TIMEOUT and `data`. Returns the id, from 0 up,
- * or -2 when out of memory. */
+ * about every 10 ms), with an event of type UX_EVENT_TIMEOUT and `data`. A delay below 0 is due at
+ * once, and one above 2,146,483,648 may be. Returns the id, from 0 up, or -2 when out of memory. */
 UX_API int ux_set_timeout(int delay_us, ux_handler callback, void *data) UX_NOEXCEPT;
 
 /* Removes a timeout; an unknown id does nothing. */
@@ -529,8 +544,10 @@ UX_API void ux_delete_timeout(int id) UX_NOEXCEPT;
 /* Fires all due timeouts, newest first. Called by the main loop. */
 UX_API void ux_check_timeout(void) UX_NOEXCEPT;
 
-/* Calls `callback` once at the local time `when`, which mktime() normalises, with an event of type
- * UX_EVENT_ATIMER and `data`. Returns the id, counted apart from the timeouts', or -2. */
+/* Calls `callback` once at the local time `when`, to the second, with an event of type
+ * UX_EVENT_ATIMER and `data`. mktime() reads and normalises `when`, tm_isdst included; what it can
+ * not tell is due at once. Returns the id, counted apart from the timeouts', or -2 when out of
+ * memory. */
 UX_API int ux_set_atimer(struct tm *when, ux_handler callback, void *data) UX_NOEXCEPT;
 
 /* Removes an alarm; an unknown id does nothing. */
@@ -617,10 +634,13 @@ UX_API void ux_scale_image(const uint16_t *src, int src_width, int src_height, i
 /* Pixel blocks                                                                                   */
 /* ============================================================================================== */
 
-/* Decodes the PNG or JPEG picture `path`, a file or an http:// address, into a new block of width x
- * height 32-bit pixels, scaled to that size; pixels without alpha of their own get 255. The caller
- * releases it with free(). Null when it can not be read or there is no memory, with a message on
- * standard output. A width or height of 0 or less gives a block without pixels. */
+/* Decodes the picture `path`, a file or an http:// address, into a new block of width x height
+ * 32-bit pixels, whatever the screen has, scaled to that size by nearest neighbour; pixels without
+ * alpha of their own get 255. The last four characters of the name alone tell the kind, in any
+ * case: ".jpg" and "jpeg" are JPEG, ".png" is PNG, all others are refused. The caller releases the
+ * block with free(). Null when it can not be read or there is no memory, with a message on standard
+ * output; a picture that breaks off is there as far as it came. A width or height of 0 or less
+ * gives a block without pixels. */
 UX_API void *ux_load_image(const char *path, int width, int height) UX_NOEXCEPT;
 
 /* The same with `alpha` for pixels without alpha of their own. */
@@ -630,19 +650,21 @@ UX_API void *ux_load_image_transparent(const char *path, int width, int height,
 /* Draws a block of width x height pixels in the screen's format, rows packed, into `buf` at (x, y),
  * cut at the right and bottom edge; it stays the caller's. On a 32-bit screen each pixel is blended
  * by its alpha a: screen = (screen * (256 - a) + source * a) >> 8 for blue, green and red, the
- * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied. `effect` 0
- * draws at once; 1 to 8 reveal the block step by step with pauses of 3 ms, until it is whole or the
- * host sets the environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which
- * "PHOTO_PLAYING" is set to "NO"; any other draws nothing. docs/effects.md shows each half way, and
- * the order of effect 8: a clockwise spiral of tiles. A block that does not fit on the screen must
- * not be drawn with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the screen
- * or an unknown pixel format. */
+ * larger alpha stays; a = 0 leaves the pixel alone. On an RGB565 screen rows are copied, which
+ * shows no picture that ux_load_image() gave, and without an effect. `effect` 0 draws at once; 1 to
+ * 8 reveal the block step by step with pauses of 3 ms, until it is whole or the host sets the
+ * environment variable "STATUS" to "gotoMenu" or "ShowMSG" to "YES", upon which "PHOTO_PLAYING" is
+ * set to "NO"; any other draws nothing. docs/effects.md shows each half way, and the order of
+ * effect 8: a clockwise spiral of tiles. A block that does not fit on the screen must not be drawn
+ * with effects 3 to 6. Returns 0, or -1 for a null block, a block outside the screen or an unknown
+ * pixel format. */
 UX_API int ux_draw_image_buff(const void *block, int x, int y, int width, int height,
                               int effect) UX_NOEXCEPT;
 
-/* Loads a picture, draws it at (x, y) and releases it. `mode` 0 to 8 is the effect; 255 draws it
- * half transparent at once; 256 and above is the effect mode - 255; any other draws nothing.
- * Nothing happens when (x, y) is outside the screen. Returns 0. */
+/* Loads a picture, draws it at (x, y) and releases it, as ux_load_image() and ux_draw_image_buff()
+ * do. `mode` 0 to 8 is the effect; 255 draws it at once with alpha 128 for pixels without alpha of
+ * their own; 256 and above is the effect mode - 255; any other draws nothing. Nothing happens when
+ * (x, y) is outside the screen. Returns 0, also when the picture can not be read. */
 UX_API int ux_draw_image(const char *path, int x, int y, int width, int height,
                          int mode) UX_NOEXCEPT;
 
@@ -888,8 +910,9 @@ UX_API int ux_text_label_repaint(ux_obj *label) UX_NOEXCEPT;
 /* ============================================================================================== */
 
 /* A text inside a border that can have the focus and be selected; each of the four states has its
- * own colours, and every change of state repaints it. The screen under it is saved before its first
- * paint as soon as any of the four backgrounds is 0. Size of the text as told for the label. */
+ * own colours, and every change of state shows it, a hidden one too. The screen under it is saved
+ * once, before its first paint in which any of the four backgrounds is 0, and again only after
+ * ux_text_button_set_size(). Size of the text as told for the label. */
 typedef struct ux_text_button {
     ux_obj obj;                     /* the header */
     char16_t text[UX_TEXT_UNITS];   /* the text, ended by a zero unit */
@@ -979,8 +1002,10 @@ UX_API int ux_text_button_unset_select(ux_obj *button) UX_NOEXCEPT;
 /* Image label                                                                                    */
 /* ============================================================================================== */
 
-/* One picture, without background and border. With UX_FLAG_SAVE_FG the painted face is kept, and
- * the file read only once. */
+/* One picture, without background and border: what was there shines through where the picture is
+ * transparent, the label's own earlier paint too. The picture is loaded at every show. With
+ * UX_FLAG_SAVE_FG, set by the host, it is loaded once, and the face as it then stood on the screen,
+ * ground included, is kept and blended again. The label never frees the kept face. */
 typedef struct ux_image_label {
     ux_obj obj;                /* the header */
     char image[UX_PATH_BYTES]; /* picture path; empty = nothing to draw */
@@ -1008,9 +1033,10 @@ UX_API int ux_image_label_repaint(ux_obj *label) UX_NOEXCEPT;
 /* Image button                                                                                   */
 /* ============================================================================================== */
 
-/* Four pictures, one per state, over the screen saved before the first paint. Changes of focus and
- * selection only change the state: the host shows or repaints. A host writes the two selected paths
- * into the record; they start as copies of the others. */
+/* Four pictures, one per state, over the screen saved before the first paint; the picture is loaded
+ * at every show. Changes of focus and selection only change the state: the host shows or repaints.
+ * A host writes the two selected paths into the record; they start as copies of the others. A state
+ * without a path shows the saved screen, in `buf` only. */
 typedef struct ux_image_button {
     ux_obj obj;                             /* the header */
     char image[UX_PATH_BYTES];              /* picture, normal; empty = nothing to draw */
@@ -1060,7 +1086,12 @@ UX_API int ux_image_button_set_size(ux_image_button *button, int x, int y, int w
 /* A line of text typed on a telephone keypad. While it has the focus it takes over its page's
  * handlers of the keys 0 to 9, punctuation, delete and shift. A key types its digit; pressed again
  * within a second it replaces the character by the next letter on the key: key 2 gives 2, a, b, c,
- * A, B, C, and 2 again. A numeric field takes digits only, one for every press.
+ * A, B, C, and 2 again; punctuation gives . : / _ and the blank. The shift key switches capitals on
+ * and off: key 2 then gives 2, A, B, C, and three presses each of which takes a character away. A
+ * numeric field takes digits and the point only, one for every press.
+ *
+ * The 128th character leaves no room for the end of the text: the field then shows nothing and
+ * takes no key any more, delete neither. A limit of 126 keeps keys below that.
  *
  * There is one keypad for all fields: keys that are in progress, capitals, and the page's handlers
  * are kept once. Take the focus from one field before the next gets it; handlers that the page had
@@ -1073,7 +1104,7 @@ typedef struct ux_text_field {
     char16_t text[UX_TEXT_UNITS];   /* the content, ended by a zero unit */
     int32_t mask_char;              /* low byte: shown instead of the content; default '*' */
     int32_t password;               /* not 0: the mask is shown; default 0 */
-    int32_t limit;                  /* characters; default 256: as many as the record holds */
+    int32_t limit;                  /* characters that keys may type; default 256 */
     int32_t font_size;              /* pixels; default 16 */
     int32_t style;                  /* stored only; default 3 */
     int32_t input_type;             /* UX_INPUT_*; default UX_INPUT_ALPHANUMERIC */
@@ -1237,8 +1268,8 @@ UX_API int ux_select_box_get_pos(const ux_select_box *box) UX_NOEXCEPT;
 UX_API int ux_select_box_set_pos(ux_select_box *box, int index) UX_NOEXCEPT;
 
 /* Makes the first item with exactly this text current; paints nothing and calls no handler. Returns
- * 0, or -1 when there is none, when there are fewer than two items, or when the object is no select
- * box. */
+ * 0, or -1 when there is none, when there are fewer than two items, when the text is null, or when
+ * the object is no select box. */
 UX_API int ux_select_box_set_text(ux_select_box *box, const char16_t *text) UX_NOEXCEPT;
 
 /* Stores the text colours of the normal and the focused state. Returns 0. */
@@ -1422,8 +1453,9 @@ UX_API int ux_slider_bar_key_right(ux_event *ev) UX_NOEXCEPT;
  * H = (height - 6 * n - (n - 1) * g) / n pixels high, rounded toward 0; button i stands at
  * (x + 3, y + 3 + i * (g + 6 + H)), width - 6 pixels wide, rounded down to an even number.
  *
- * The key handlers of a page that the list replaces are not put back. The list owns its buttons:
- * they must not be deleted one by one. */
+ * The key handlers of a page that the list replaces are not put back. OK reports the current button
+ * also while it is hidden. A touch does nothing but for what handlers of the host's on the buttons
+ * do. The list owns its buttons: they must not be deleted one by one. */
 typedef struct ux_button_list ux_button_list;
 
 /* What a list tells a host: which button. The result is ignored. The list may be deleted in it. */
@@ -1698,7 +1730,9 @@ UX_API int ux_clock_free(ux_obj *clock) UX_NOEXCEPT;
  * in screen pixels, wherever the calendar is: the grid begins at column 178, its header at row 50,
  * its first cells at row 80. With (width - 178) / 7 - 3 rounded down to an even number for a cell's
  * width and (height - 80) / 6 for the rows' pitch, only width and height of the calendar count; x
- * and y are for the update and for hiding. Size of the text: "FontSize"; 16 when it is unset. */
+ * and y are for the update and for hiding. A calendar has no background: what lies beneath, another
+ * month too, shows until the host paints over it. Size of the text: "FontSize"; 16 when it is
+ * unset. */
 typedef struct ux_calendar {
     ux_obj obj;                    /* the header */
     char image_dir[UX_PATH_BYTES]; /* directory of "black.png" */

@@ -41,6 +41,7 @@ Runs a host program unchanged, with a screen, an event pipe and an input queue o
 
 Script verbs, one a line; '#' starts a comment:
   key NAME|CODE        touch X Y            shot FILE.png        quit
+  type TEXT            (into the focused text field)
   wait MS              wait still MS [within MS]                 wait exit [within MS]
   wait until MS        (since the run began)
 )";

@@ -2,9 +2,10 @@
 // Two pages of labels and buttons for a 1280 x 720 screen: the arrow keys move the focus, OK or a
 // touch selects, 0 ends the program. Home chooses a source, the second page sets a sleep timer.
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "parts.h"
 
 #include <ux.h>
 
@@ -22,18 +23,7 @@ constexpr int k_button_height = 3 * k_text_size + 2 * k_button_border;
 constexpr const char16_t *k_padding = u"\n    ";
 constexpr int k_gap = 24;
 
-constexpr uint32_t k_page_color = 0xFF0E1726;
-constexpr uint32_t k_panel_color = 0xFF16233A;
-constexpr uint32_t k_line_color = 0xFF34507A;
-constexpr uint32_t k_title_color = 0xFFFFFFFF;
-constexpr uint32_t k_text_color = 0xFFE6EDF7;
-constexpr uint32_t k_quiet_color = 0xFF9FB3CC;
-constexpr uint32_t k_button_color = 0xFF1E2F4A;
-constexpr uint32_t k_focus_color = 0xFF2459B8;
-constexpr uint32_t k_focus_line_color = 0xFFFFD54A;
 constexpr uint32_t k_select_color = 0xFFC9D8EE;
-constexpr uint32_t k_select_focus_color = 0xFFFFD54A;
-constexpr uint32_t k_dark_text_color = 0xFF0E1726;
 
 constexpr int k_home_page = 0;
 
@@ -73,22 +63,9 @@ constexpr std::array k_explanation = {u"What is chosen here shows on", u"the hom
 
 // Painting.
 
-void set_text_size(int pixels) {
-    setenv("FontSize", std::to_string(pixels).c_str(), 1);
-}
-
-// The size of all texts is one variable, read at every paint: a title sets it for itself.
-int show_title(ux_obj *label) {
-    set_text_size(k_title_size);
-    int result = ux_text_label_show(label);
-    set_text_size(k_text_size);
-    return result;
-}
-
 void show_status() {
     std::u16string text = u"Source: " + s_player.source + u"        Sleep timer: " + s_player.timer;
-    ux_text_label_set_text(s_player.status, text.c_str());
-    s_player.status->obj.show(&s_player.status->obj);
+    show_text(s_player.status, text);
 }
 
 // Selecting and moving.
@@ -169,48 +146,15 @@ void select_timer(menu &sleep, size_t index) {
     show_status(); // on the other page: stored now, painted there
 }
 
-// Marks a page's objects visible, without painting as long as the page is not the current one. A
-// page switch paints visible objects only.
-void show_all_of(ux_page &page) {
-    page.container.obj.show(&page.container.obj);
-}
-
 // Building.
-
-// Out of memory while building: there is nothing to show yet.
-template <class T>
-T *made(T *object) {
-    if (object == nullptr)
-        std::exit(EXIT_FAILURE);
-    return object;
-}
-
-ux_text_label *add_label(ux_container &parent, int x, int y, int w, int h, const char16_t *text,
-                         uint32_t color, uint32_t background) {
-    ux_text_label *label = made(ux_text_label_new(&parent, x, y, w, h, text));
-    ux_text_label_set_fg_color(label, color);
-    ux_text_label_set_bg_color(label, background);
-    return label;
-}
 
 void add_frame(ux_page &page, const char16_t *title, const char16_t *subtitle) {
     constexpr int width = 1120;
-    ux_container_set_bg_color(&page.container, k_page_color);
-    ux_text_label *label = add_label(page.container, k_margin, 64, width, k_title_size, title,
-                                     k_title_color, UX_COLOR_NONE);
-    label->obj.show = label->obj.repaint = show_title;
-    add_label(page.container, k_margin, 128, width, k_text_size, subtitle, k_quiet_color,
+    add_title<k_title_size>(page.container, k_margin, 64, width, title);
+    add_label(page.container, {k_margin, 128, width, k_text_size}, subtitle, k_quiet_color,
               UX_COLOR_NONE);
-    add_label(page.container, k_margin, k_hint_top, width, k_text_size,
+    add_label(page.container, {k_margin, k_hint_top, width, k_text_size},
               u"Arrows: move        OK: select        0: leave", k_quiet_color, UX_COLOR_NONE);
-}
-
-ux_container *add_panel(ux_page &page, int x, int y, int w, int h) {
-    ux_container *panel = made(ux_container_new(&page.container, x, y, w, h));
-    ux_container_set_bg_color(panel, k_panel_color);
-    ux_container_set_border(panel, 2);
-    ux_obj_set_border_colors(&panel->obj, k_line_color, k_line_color);
-    return panel;
 }
 
 void add_button(menu &m, int x, int y, int w, const char16_t *name) {
@@ -218,10 +162,10 @@ void add_button(menu &m, int x, int y, int w, const char16_t *name) {
     ux_text_button *button =
         made(ux_text_button_new(&m.page->container, x, y, w, k_button_height, text.c_str()));
     ux_text_button_set_border(button, k_button_border);
-    ux_text_button_set_border_color(button, k_line_color, k_focus_line_color);
+    ux_text_button_set_border_color(button, k_line_color, k_highlight_color);
     ux_text_button_set_fg_color(button, k_text_color, k_title_color);
     ux_text_button_set_bg_color(button, k_button_color, k_focus_color);
-    ux_text_button_set_bg_scolor(button, k_select_color, k_select_focus_color);
+    ux_text_button_set_bg_scolor(button, k_select_color, k_highlight_color);
     button->select_fg_color = k_dark_text_color;
     button->select_focus_fg_color = k_dark_text_color;
     m.items.push_back({&m, m.items.size()});
@@ -246,6 +190,7 @@ void build_home() {
     constexpr int width = 357;
     constexpr int step = width + k_gap;
     menu &home = s_player.home;
+    ux_container_set_bg_color(&ux_current_page()->container, k_page_color);
     start_menu(home, ux_current_page(), columns, k_sources.size() + 1, select_source);
     add_frame(*home.page, u"Good evening", u"What would you like to play?");
     for (size_t i = 0; i <= k_sources.size(); i++) {
@@ -255,8 +200,9 @@ void build_home() {
                    width, i < k_sources.size() ? k_sources[i] : u"Sleep timer ...");
     }
     constexpr int panel_top = 480;
-    ux_container *panel = add_panel(*home.page, k_margin, panel_top, 1119, k_button_height);
-    s_player.status = add_label(*panel, k_margin + 32, panel_top + 32, 1055, k_text_size, u"",
+    ux_container *panel = add_panel(home.page->container,
+                                    {k_margin, panel_top, 1119, k_button_height}, k_panel_color);
+    s_player.status = add_label(*panel, {k_margin + 32, panel_top + 32, 1055, k_text_size}, u"",
                                 k_text_color, k_panel_color);
     select_only(home, home.buttons.size()); // none
     ux_obj_set_focus(&home.buttons.front()->obj);
@@ -268,19 +214,18 @@ void build_sleep() {
     constexpr int gap = 16;
     constexpr int step = k_button_height + gap;
     menu &sleep = s_player.sleep;
-    s_player.sleep_page = ux_page_new();
-    if (s_player.sleep_page < 0)
-        std::exit(EXIT_FAILURE);
-    start_menu(sleep, main_screen.pages[s_player.sleep_page], 1, k_timers.size() + 1, select_timer);
+    start_menu(sleep, new_page(), 1, k_timers.size() + 1, select_timer);
+    s_player.sleep_page = sleep.page->container.obj.page_id;
     add_frame(*sleep.page, u"Sleep timer", u"When shall the player turn itself off?");
     for (size_t i = 0; i <= k_timers.size(); i++)
         add_button(sleep, k_margin, k_content_top + static_cast<int>(i) * step, width,
                    i < k_timers.size() ? k_timers[i] : u"Back");
-    ux_container *panel = add_panel(*sleep.page, 592, k_content_top, 607, 4 * step - gap);
+    ux_container *panel =
+        add_panel(sleep.page->container, {592, k_content_top, 607, 4 * step - gap}, k_panel_color);
     constexpr int line_height = 40;
     int y = k_content_top + 32;
     for (const char16_t *line : k_explanation) {
-        add_label(*panel, 624, y, 543, k_text_size, line, k_text_color, k_panel_color);
+        add_label(*panel, {624, y, 543, k_text_size}, line, k_text_color, k_panel_color);
         y += line_height;
     }
     select_only(sleep, 0);
@@ -290,11 +235,11 @@ void build_sleep() {
 } // namespace
 
 int main() {
-    set_text_size(k_text_size);
+    set_up_text_size(k_text_size);
     ux_system_init();
     build_home();
     build_sleep();
-    show_all_of(*s_player.sleep.page);
+    mark_visible(*s_player.sleep.page);
     ux_screen_show_all();
     ux_screen_main_loop();
     return ux_system_close();

@@ -10,11 +10,13 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "flag.h"
+#include "parts.h"
 #include "show_stopper.h"
 
 #include <ux.h>
@@ -35,14 +37,6 @@ constexpr int k_photo_width = 640;
 constexpr int k_photo_height = 360;
 constexpr int k_frame = 4; // around a photo
 
-constexpr uint32_t k_page_color = 0xFF0E1726;
-constexpr uint32_t k_panel_color = 0xFF16233A;
-constexpr uint32_t k_line_color = 0xFF34507A;
-constexpr uint32_t k_title_color = 0xFFFFFFFF;
-constexpr uint32_t k_text_color = 0xFFE6EDF7;
-constexpr uint32_t k_quiet_color = 0xFF9FB3CC;
-constexpr uint32_t k_mark_color = 0xFFFFD54A;
-constexpr uint32_t k_dark_text_color = 0xFF0E1726;
 constexpr uint32_t k_veil_color = 0xC0000000; // translucent
 
 constexpr char k_backdrop[] = "/orbo/images/backdrop.jpg";
@@ -62,6 +56,8 @@ struct player {
     std::vector<std::string> pictures; // of the show
     int seconds = 2;                   // rest after each; 0 = wait for a key
     size_t step = 0;                   // pictures shown so far
+    flag status;                       // raised: the menu is wanted
+    flag message;                      // raised: a message came in
     int rest_timer = -1;               // -1 = none
     int home_page = 0;
     int show_page = -1;
@@ -78,40 +74,12 @@ player s_player;
 
 // Painting.
 
-void set_text_size(int pixels) {
-    setenv("FontSize", std::to_string(pixels).c_str(), 1);
-}
-
-// The size of all texts is one variable, read at every paint: a title sets it for itself.
-int show_title(ux_obj *label) {
-    set_text_size(k_title_size);
-    int result = ux_text_label_show(label);
-    set_text_size(k_text_size);
-    return result;
-}
-
-void show_text(ux_text_label *label, const std::u16string &text) {
-    ux_text_label_set_text(label, text.c_str());
-    label->obj.show(&label->obj);
-}
-
-std::u16string widened(const std::string &text) {
-    std::u16string result(UX_TEXT_UNITS, u'\0');
-    ux_text_from_utf8(result.data(), result.size(), text.c_str());
-    return result.c_str();
-}
-
 std::u16string variable(const char *name) {
     const char *value = getenv(name);
     return value ? widened(value) : u"";
 }
 
 // The show.
-
-bool is_set(const char *name, const char *value) {
-    const char *present = getenv(name);
-    return present && strcmp(present, value) == 0;
-}
 
 void drop_rest_timer() {
     if (s_player.rest_timer >= 0)
@@ -126,7 +94,7 @@ int enter_home(ux_page *) {
 
 // Covers the photo, which may be half there.
 void show_message() {
-    setenv("ShowMSG", "NO", 1); // it is being shown
+    s_player.message.lower(); // it is being shown
     uxDrawBox(k_margin, k_content_top, k_margin + k_photo_width - 1,
               k_content_top + k_photo_height - 1, k_panel_color);
     ux_screen_blit_rect(k_margin, k_content_top, k_photo_width, k_photo_height);
@@ -142,13 +110,13 @@ void show_message() {
 void mark_effect(size_t effect) {
     for (size_t i = 0; i < s_player.effects.size(); i++) {
         const line &l = s_player.effects[i];
-        const uint32_t background = i == effect ? k_mark_color : k_panel_color;
+        const uint32_t background = i == effect ? k_highlight_color : k_panel_color;
         if (l.bar->bg_color == background)
             continue;
         ux_container_set_bg_color(l.bar, background);
         ux_text_label_set_bg_color(l.text, background);
         ux_text_label_set_fg_color(l.text, i == effect ? k_dark_text_color : k_text_color);
-        l.bar->obj.show(&l.bar->obj);
+        show(l.bar->obj);
     }
 }
 
@@ -157,9 +125,9 @@ void stop_effect(const ux_event &event) {
     if (event.type != UX_EVENT_KEY)
         return;
     if (event.value == UX_KEY_0)
-        setenv("STATUS", "gotoMenu", 1);
+        s_player.status.raise();
     else if (event.value == UX_KEY_OK)
-        setenv("ShowMSG", "YES", 1);
+        s_player.message.raise();
 }
 
 int show_next(ux_event *) {
@@ -178,9 +146,9 @@ int show_next(ux_event *) {
                       static_cast<int>(effect) + 1);
     }
     ux_screen_blit_rect(k_margin, k_content_top, k_photo_width, k_photo_height);
-    if (is_set("STATUS", "gotoMenu"))
+    if (s_player.status.is_raised())
         return ux_switch_page(s_player.home_page, 0, 0, 0);
-    if (is_set("ShowMSG", "YES"))
+    if (s_player.message.is_raised())
         show_message();
     else if (s_player.seconds > 0)
         s_player.rest_timer = ux_set_timeout(s_player.seconds * 1000000, show_next, nullptr);
@@ -200,8 +168,8 @@ int menu_key(ux_event *) {
 }
 
 void start_show() {
-    setenv("STATUS", "photoShow", 1);
-    setenv("ShowMSG", "NO", 1);
+    s_player.status.lower();
+    s_player.message.lower();
     setenv("PHOTO_PLAYING", "YES", 1);
     s_player.step = 0;
     ux_switch_page(s_player.show_page, 0, 0, 0);
@@ -237,7 +205,7 @@ int show_tv(ux_obj *page) {
     paint_backdrop();
     s_player.is_veiled = false;
     for (ux_obj *child = ux_current_page()->container.children; child; child = child->next)
-        child->show(child);
+        show(*child);
     return 0;
 }
 
@@ -265,8 +233,7 @@ int toggle_panel(ux_event *) {
 // Home.
 
 void show_button(size_t index) {
-    ux_obj &button = s_player.buttons[index]->obj;
-    button.show(&button);
+    show(s_player.buttons[index]->obj);
 }
 
 // Image buttons only remember their state: the host paints them.
@@ -317,47 +284,18 @@ int touched(ux_event *ev) {
 
 // Building.
 
-// Out of memory while building: there is nothing to show yet.
-template <class T>
-T *made(T *object) {
-    if (object == nullptr)
-        std::exit(EXIT_FAILURE);
-    return object;
-}
-
-ux_text_label *add_label(ux_container &parent, int x, int y, int w, const char16_t *text,
-                         uint32_t color, uint32_t background) {
-    ux_text_label *label = made(ux_text_label_new(&parent, x, y, w, k_text_size, text));
-    ux_text_label_set_fg_color(label, color);
-    ux_text_label_set_bg_color(label, background);
-    return label;
-}
-
 void add_frame(ux_page &page, const char16_t *title, const char16_t *hint) {
     constexpr int width = 1120;
-    ux_text_label *label =
-        made(ux_text_label_new(&page.container, k_margin, 96, width, k_title_size, title));
-    ux_text_label_set_fg_color(label, k_title_color);
-    ux_text_label_set_bg_color(label, k_page_color);
-    label->obj.show = label->obj.repaint = show_title;
-    add_label(page.container, k_margin, k_hint_top, width, hint, k_quiet_color, k_page_color);
+    add_title<k_title_size>(page.container, k_margin, 96, width, title);
+    add_label(page.container, {k_margin, k_hint_top, width, k_text_size}, hint, k_quiet_color,
+              k_page_color);
 }
 
 void add_photo_frame(ux_page &page) {
-    ux_container *frame =
-        made(ux_container_new(&page.container, k_margin - k_frame, k_content_top - k_frame,
-                              k_photo_width + 2 * k_frame, k_photo_height + 2 * k_frame));
-    ux_container_set_bg_color(frame, k_panel_color);
-    ux_container_set_border(frame, k_frame);
-    ux_obj_set_border_colors(&frame->obj, k_line_color, k_line_color);
-}
-
-ux_page *new_page() {
-    const int index = ux_page_new();
-    if (index < 0)
-        std::exit(EXIT_FAILURE);
-    ux_container_set_bg_color(&main_screen.pages[index]->container, k_page_color);
-    return main_screen.pages[index];
+    add_panel(page.container,
+              {k_margin - k_frame, k_content_top - k_frame, k_photo_width + 2 * k_frame,
+               k_photo_height + 2 * k_frame},
+              k_panel_color, k_frame);
 }
 
 void build_home() {
@@ -369,8 +307,9 @@ void build_home() {
     constexpr const char *names[] = {"show", "tv", "leave"};
     for (size_t i = 0; i < k_choices.size(); i++) {
         const int y = k_content_top + static_cast<int>(i) * step;
-        add_label(home->container, left + side + 32, y + (side - k_text_size) / 2, 280,
-                  k_choices[i], k_text_color, k_page_color);
+        add_label(home->container,
+                  {left + side + 32, y + (side - k_text_size) / 2, 280, k_text_size}, k_choices[i],
+                  k_text_color, k_page_color);
         const std::string image = std::string("/orbo/images/") + names[i];
         s_player.buttons[i] =
             made(ux_image_button_new(&home->container, left, y, side, side,
@@ -384,8 +323,8 @@ void build_home() {
         ux_obj_set_flag(&photo->obj, UX_FLAG_SAVE_FG); // read once
     }
     add_photo_frame(*home);
-    s_player.state =
-        add_label(home->container, k_margin, 584, k_photo_width, u"", k_quiet_color, k_page_color);
+    s_player.state = add_label(home->container, {k_margin, 584, k_photo_width, k_text_size}, u"",
+                               k_quiet_color, k_page_color);
     add_frame(*home, u"Pictures", u"Up, down: move        OK: choose        0: leave");
     home->on_enter = enter_home;
     ux_page_set_key_handler(home, UX_KEY_UP, focus_up);
@@ -401,8 +340,8 @@ line add_line(ux_page &page, int y, const char16_t *text) {
     constexpr int inset = 16;
     ux_container *bar = made(ux_container_new(&page.container, left, y, width, k_line_height - 8));
     ux_container_set_bg_color(bar, k_panel_color);
-    return {bar, add_label(*bar, left + inset, y + 4, width - 2 * inset, text, k_text_color,
-                           k_panel_color)};
+    return {bar, add_label(*bar, {left + inset, y + 4, width - 2 * inset, k_text_size}, text,
+                           k_text_color, k_panel_color)};
 }
 
 void build_show() {
@@ -411,8 +350,8 @@ void build_show() {
     for (size_t i = 0; i < k_effects.size(); i++)
         s_player.effects[i] = add_line(
             *page, k_content_top + static_cast<int>(i) * (k_line_height + 1) + 2, k_effects[i]);
-    s_player.caption =
-        add_label(page->container, k_margin, 584, 1120, u"", k_text_color, k_page_color);
+    s_player.caption = add_label(page->container, {k_margin, 584, 1120, k_text_size}, u"",
+                                 k_text_color, k_page_color);
     add_photo_frame(*page);
     add_frame(*page, u"Photo show", u"Right: next        OK: a message        0: menu");
     ux_page_set_key_handler(page, UX_KEY_RIGHT, show_next);
@@ -423,19 +362,11 @@ void build_show() {
 void build_tv() {
     ux_page *page = new_page();
     s_player.tv_page = page->container.obj.page_id;
-    ux_text_label *hint = made(ux_text_label_new(&page->container, k_video_x, 56, k_photo_width,
-                                                 k_text_size, u"OK: programme        0: menu"));
-    ux_text_label_set_fg_color(hint, k_text_color);
-    ux_text_label_set_bg_color(hint, UX_COLOR_NONE);
+    add_label(page->container, {k_video_x, 56, k_photo_width, k_text_size},
+              u"OK: programme        0: menu", k_text_color, UX_COLOR_NONE);
     page->container.obj.show = page->container.obj.repaint = show_tv;
     ux_page_set_key_handler(page, UX_KEY_OK, toggle_panel);
     ux_page_set_key_handler(page, UX_KEY_0, menu_key);
-}
-
-// A page switch paints visible objects only.
-void mark_visible(int index) {
-    ux_obj &page = main_screen.pages[index]->container.obj;
-    page.show(&page);
 }
 
 // Arguments.
@@ -455,7 +386,7 @@ void find_pictures(const char *folder) {
 
 void read_arguments(int argc, char **argv) {
     int at = 1;
-    if (argc > 2 && strcmp(argv[1], "--seconds") == 0) {
+    if (argc > 2 && std::string_view(argv[1]) == "--seconds") {
         s_player.seconds = static_cast<int>(std::min(strtoul(argv[2], nullptr, 10), 600ul));
         at = 3;
     }
@@ -469,16 +400,16 @@ void read_arguments(int argc, char **argv) {
 
 int main(int argc, char **argv) {
     read_arguments(argc, argv);
-    set_text_size(k_text_size);
-    setenv("STATUS", "menu", 1);
-    setenv("ShowMSG", "NO", 1);
+    set_up_text_size(k_text_size);
+    s_player.status.set_up("STATUS", "gotoMenu");
+    s_player.message.set_up("ShowMSG", "YES");
     setenv("PHOTO_PLAYING", "NO YET", 1);
     ux_system_init();
     build_home();
     build_show();
     build_tv();
-    mark_visible(s_player.show_page);
-    mark_visible(s_player.tv_page);
+    mark_visible(*main_screen.pages[s_player.show_page]);
+    mark_visible(*main_screen.pages[s_player.tv_page]);
     enter_home(nullptr);
     ux_screen_show_all();
     ux_screen_main_loop();

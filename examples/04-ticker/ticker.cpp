@@ -10,6 +10,7 @@
 
 #include "bulletin.h"
 #include "flag.h"
+#include "parts.h"
 
 #include <ux.h>
 
@@ -24,17 +25,6 @@ constexpr int k_button_border = 3;
 constexpr int k_button_height = 3 * k_text_size + 2 * k_button_border;
 constexpr int k_button_top = 208;
 constexpr int k_button_gap = 24;
-
-constexpr uint32_t k_page_color = 0xFF0E1726;
-constexpr uint32_t k_panel_color = 0xFF16233A;
-constexpr uint32_t k_line_color = 0xFF34507A;
-constexpr uint32_t k_title_color = 0xFFFFFFFF;
-constexpr uint32_t k_text_color = 0xFFE6EDF7;
-constexpr uint32_t k_quiet_color = 0xFF9FB3CC;
-constexpr uint32_t k_button_color = 0xFF1E2F4A;
-constexpr uint32_t k_focus_color = 0xFF2459B8;
-constexpr uint32_t k_highlight_color = 0xFFFFD54A;
-constexpr uint32_t k_dark_text_color = 0xFF0E1726;
 
 // The ticker's box lies inside a panel. Its height is also the size of its text.
 constexpr int k_panel_top = 362;
@@ -64,7 +54,6 @@ struct player {
     flag status;       // on the way to the menu
     flag message;      // a message is to be shown
     flag ticker_state; // the ticker alone is to stop
-    char *font_size = nullptr;
     bulletin news;
     size_t edition = 0;
     std::thread ticker;
@@ -86,13 +75,7 @@ void set_up_environment() {
     s_player.message.set_up("ShowMSG", "YES");
     s_player.ticker_state.set_up("TICKER_STATE", "STOP_TICKER");
     setenv("TICKER_PLAYING", "NO", 1);
-    setenv("FontSize", std::to_string(k_text_size).c_str(), 1);
-    s_player.font_size = getenv("FontSize");
-}
-
-// Sizes have two digits each. Only this thread reads them: painting texts does.
-void set_text_size(int pixels) {
-    std::memcpy(s_player.font_size, std::to_string(pixels).c_str(), 2);
+    set_up_text_size(k_text_size);
 }
 
 // The ticker.
@@ -128,18 +111,6 @@ void stop_ticker(const flag &reason) {
 
 // Painting.
 
-// The size of all texts is one variable, read at every paint: a title sets it for itself.
-int show_title(ux_obj *label) {
-    set_text_size(k_title_size);
-    const int result = ux_text_label_show(label);
-    set_text_size(k_text_size);
-    return result;
-}
-
-void show(ux_obj *obj) {
-    obj->show(obj);
-}
-
 void show_state() {
     std::u16string text = u"Ticker: ";
     if (!ticker_plays())
@@ -148,8 +119,7 @@ void show_state() {
         text += s_player.mode == k_scroll_up ? u"scrolls up" : u"scrolls to the left";
     text +=
         s_player.edition == 0 ? u"        Lines: first edition" : u"        Lines: second edition";
-    ux_text_label_set_text(s_player.state, text.c_str());
-    show(&s_player.state->obj);
+    show_text(s_player.state, text);
 }
 
 // Keys.
@@ -173,10 +143,10 @@ int toggle_message(ux_event *) {
     s_player.shows_message = !s_player.shows_message;
     if (s_player.shows_message) {
         stop_ticker(s_player.message);
-        show(&s_player.note->obj);
+        show(s_player.note->obj);
     } else {
         ux_obj_hide(&s_player.note->obj);
-        show(&s_player.panel->obj);
+        show(s_player.panel->obj);
         if (s_player.mode != k_no_mode)
             start_ticker();
     }
@@ -223,21 +193,11 @@ int leave(ux_event *) {
 
 // Building.
 
-// Out of memory while building: there is nothing to show yet.
-template <class T>
-T *made(T *object) {
-    if (object == nullptr)
-        std::exit(EXIT_FAILURE);
-    return object;
-}
-
-ux_text_label *add_label(int y, int height, const char16_t *text, uint32_t color,
-                         uint32_t background) {
-    ux_text_label *label =
-        made(ux_text_label_new(&ux_current_page()->container, k_margin, y, k_width, height, text));
-    ux_text_label_set_fg_color(label, color);
-    ux_text_label_set_bg_color(label, background);
-    return label;
+// Over the whole width.
+ux_text_label *add_line(int y, int height, const char16_t *text, uint32_t color,
+                        uint32_t background) {
+    return add_label(ux_current_page()->container, {k_margin, y, k_width, height}, text, color,
+                     background);
 }
 
 void add_buttons() {
@@ -260,20 +220,16 @@ void add_buttons() {
 void build_page() {
     ux_page *page = ux_current_page();
     ux_container_set_bg_color(&page->container, k_page_color);
-    ux_text_label *title = add_label(64, k_title_size, u"Ticker", k_title_color, UX_COLOR_NONE);
-    title->obj.show = title->obj.repaint = show_title;
-    add_label(128, k_text_size, u"Lines of a file, on a thread of their own", k_quiet_color,
-              UX_COLOR_NONE);
+    add_title<k_title_size>(page->container, k_margin, 64, k_width, u"Ticker");
+    add_line(128, k_text_size, u"Lines of a file, on a thread of their own", k_quiet_color,
+             UX_COLOR_NONE);
     add_buttons();
     s_player.panel =
-        made(ux_container_new(&page->container, k_margin, k_panel_top, k_width, k_panel_height));
-    ux_container_set_bg_color(s_player.panel, k_panel_color);
-    ux_container_set_border(s_player.panel, 2);
-    ux_obj_set_border_colors(&s_player.panel->obj, k_line_color, k_line_color);
-    s_player.state = add_label(k_status_top, k_text_size, u"", k_text_color, k_page_color);
-    add_label(k_hint_top, k_text_size,
-              u"Arrows: move        OK: select        1: message on, off        0: leave",
-              k_quiet_color, UX_COLOR_NONE);
+        add_panel(page->container, {k_margin, k_panel_top, k_width, k_panel_height}, k_panel_color);
+    s_player.state = add_line(k_status_top, k_text_size, u"", k_text_color, k_page_color);
+    add_line(k_hint_top, k_text_size,
+             u"Arrows: move        OK: select        1: message on, off        0: leave",
+             k_quiet_color, UX_COLOR_NONE);
     for (int key : {UX_KEY_LEFT, UX_KEY_RIGHT})
         ux_page_set_key_handler(page, key, move);
     ux_page_set_key_handler(page, UX_KEY_OK, choose);
@@ -285,9 +241,9 @@ void build_page() {
 
 // Made last and not shown with the page.
 void build_note() {
-    s_player.note = add_label(k_panel_top, k_panel_height,
-                              u"\n    The recording begins in five minutes.        OK: go on",
-                              k_dark_text_color, k_highlight_color);
+    s_player.note = add_line(k_panel_top, k_panel_height,
+                             u"\n    The recording begins in five minutes.        OK: go on",
+                             k_dark_text_color, k_highlight_color);
 }
 
 } // namespace

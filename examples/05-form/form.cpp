@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "parts.h"
+
 #include <ux.h>
 
 namespace {
@@ -39,18 +41,6 @@ constexpr int k_title_size = 44;
 // Texts start at the top left of their box; a blank line above and below puts them in the middle.
 constexpr int k_button_height = 3 * k_text_size + 2 * k_border;
 constexpr const char16_t *k_padded = u"\n    ";
-
-constexpr uint32_t k_page_color = 0xFF0E1726;
-constexpr uint32_t k_panel_color = 0xFF16233A;
-constexpr uint32_t k_line_color = 0xFF34507A;
-constexpr uint32_t k_title_color = 0xFFFFFFFF;
-constexpr uint32_t k_text_color = 0xFFE6EDF7;
-constexpr uint32_t k_quiet_color = 0xFF9FB3CC;
-constexpr uint32_t k_control_color = 0xFF0A111D;
-constexpr uint32_t k_button_color = 0xFF1E2F4A;
-constexpr uint32_t k_focus_color = 0xFF2459B8;
-constexpr uint32_t k_focus_line_color = 0xFFFFD54A;
-constexpr uint32_t k_thumb_color = 0xFF7FB0FF;
 
 constexpr std::array k_points = {u"Living room", u"Kitchen", u"Garden"};
 constexpr std::array k_securities = {u"WPA2", u"WPA3", u"Open"};
@@ -96,30 +86,9 @@ form s_form;
 
 // Painting.
 
-void set_text_size(int pixels) {
-    setenv("FontSize", std::to_string(pixels).c_str(), 1);
-}
-
-// The size of all texts is one variable, read at every paint: a title sets it for itself.
-int show_title(ux_obj *label) {
-    set_text_size(k_title_size);
-    int result = ux_text_label_show(label);
-    set_text_size(k_text_size);
-    return result;
-}
-
-void show(ux_obj &obj) {
-    obj.show(&obj);
-}
-
-void show_text(ux_text_label *label, const char16_t *text) {
-    ux_text_label_set_text(label, text);
-    show(label->obj);
-}
-
 void show_power() {
     std::string digits = std::to_string(s_form.power->position) + " %";
-    show_text(s_form.power_value, std::u16string(digits.begin(), digits.end()).c_str());
+    show_text(s_form.power_value, std::u16string(digits.begin(), digits.end()));
 }
 
 // Walking.
@@ -157,7 +126,7 @@ void leave_stop(const stop &where) {
 
 void enter_stop(const stop &where) {
     ux_obj_set_focus(where.widget);
-    show_stop(where, k_focus_line_color, k_focus_line_color);
+    show_stop(where, k_highlight_color, k_highlight_color);
     show_text(s_form.help, where.help);
 }
 
@@ -261,30 +230,6 @@ int touch_action(ux_event *ev) {
 
 // Building.
 
-// Out of memory while building: there is nothing to show yet.
-template <class T>
-T *made(T *object) {
-    if (object == nullptr)
-        std::exit(EXIT_FAILURE);
-    return object;
-}
-
-ux_text_label *add_label(ux_container &parent, int x, int y, int w, int h, const char16_t *text,
-                         uint32_t color, uint32_t background) {
-    ux_text_label *label = made(ux_text_label_new(&parent, x, y, w, h, text));
-    ux_text_label_set_fg_color(label, color);
-    ux_text_label_set_bg_color(label, background);
-    return label;
-}
-
-ux_container *add_panel(int x, int y, int w, int h) {
-    ux_container *panel = made(ux_container_new(&s_form.page->container, x, y, w, h));
-    ux_container_set_bg_color(panel, k_panel_color);
-    ux_container_set_border(panel, 2);
-    ux_obj_set_border_colors(&panel->obj, k_line_color, k_line_color);
-    return panel;
-}
-
 int row_top(int row) {
     return k_first_row + row * k_row_height + (k_row_height - k_frame_height) / 2;
 }
@@ -300,18 +245,15 @@ void add_row(int row, const char16_t *caption, ux_obj &widget, ux_container *fra
     where.widget = &widget;
     where.frame = frame;
     where.help = help;
-    where.caption = add_label(*s_form.panel, k_margin + k_padding, text_top(row), k_caption_width,
-                              k_control_height, caption, k_quiet_color, k_panel_color);
+    where.caption = add_label(
+        *s_form.panel, {k_margin + k_padding, text_top(row), k_caption_width, k_control_height},
+        caption, k_quiet_color, k_panel_color);
     ux_obj_set_handler(&widget, touch, &where);
 }
 
 ux_container *add_frame(int row) {
-    ux_container *frame = made(ux_container_new(s_form.panel, k_control_left, row_top(row),
-                                                k_control_width, k_frame_height));
-    ux_container_set_bg_color(frame, k_control_color);
-    ux_container_set_border(frame, k_frame_border);
-    ux_obj_set_border_colors(&frame->obj, k_line_color, k_line_color);
-    return frame;
+    return add_panel(*s_form.panel, {k_control_left, row_top(row), k_control_width, k_frame_height},
+                     k_control_color, k_frame_border);
 }
 
 template <size_t Count>
@@ -347,7 +289,7 @@ ux_check_box *add_check(int row, const char16_t *caption, const char16_t *text) 
     ux_check_box *box = made(ux_check_box_new(s_form.panel, k_control_left, text_top(row),
                                               k_control_width, k_check_height, text));
     box->fg_color = k_text_color;
-    box->focus_fg_color = k_focus_line_color;
+    box->focus_fg_color = k_highlight_color;
     box->bg_color = box->focus_bg_color = UX_COLOR_NONE;
     add_row(row, caption, box->obj, nullptr, k_check_help);
     return box;
@@ -364,12 +306,13 @@ void add_power(int row) {
     ux_slider_bar_set_fg_color(power, k_text_color, k_title_color);
     ux_slider_bar_set_bg_color(power, k_panel_color, k_panel_color);
     ux_slider_bar_set_border(power, k_frame_border);
-    ux_obj_set_border_colors(&power->obj, k_line_color, k_focus_line_color);
+    ux_obj_set_border_colors(&power->obj, k_line_color, k_highlight_color);
     add_row(row, u"Power", power->obj, nullptr, k_change_help);
     s_form.power = power;
-    s_form.power_value =
-        add_label(*s_form.panel, k_control_left + k_control_width - k_value_width, text_top(row),
-                  k_value_width, k_control_height, u"", k_text_color, k_panel_color);
+    s_form.power_value = add_label(*s_form.panel,
+                                   {k_control_left + k_control_width - k_value_width, text_top(row),
+                                    k_value_width, k_control_height},
+                                   u"", k_text_color, k_panel_color);
 }
 
 // The buttons stand 3 pixels inside the list, and 6 more than the gap apart.
@@ -384,7 +327,7 @@ void add_list() {
     ux_button_list_set_item_fg_color(list, k_text_color, k_title_color);
     ux_button_list_set_item_bg_color(list, k_button_color, k_focus_color);
     ux_button_list_set_item_border(list, k_border);
-    ux_button_list_set_item_border_color(list, k_line_color, k_focus_line_color);
+    ux_button_list_set_item_border_color(list, k_line_color, k_highlight_color);
     ux_button_list_set_select_handler(list, choose_action);
     ux_button_list_set_up_handler(list, leave_list_upwards);
     ux_button_list_set_down_handler(list, leave_list_downwards);
@@ -400,21 +343,23 @@ void add_list() {
 void add_help() {
     constexpr int top = k_top + static_cast<int>(k_actions.size()) * (k_button_height + k_side_gap);
     constexpr int height = k_bottom - top;
-    ux_container *panel = add_panel(k_side_left, top, k_side_width, height);
-    s_form.help = add_label(*panel, k_side_left + 20, top + (height - 2 * k_text_size) / 2,
-                            k_side_width - 24, 2 * k_text_size, u"", k_text_color, k_panel_color);
+    ux_container *panel =
+        add_panel(s_form.page->container, {k_side_left, top, k_side_width, height}, k_panel_color);
+    s_form.help = add_label(*panel,
+                            {k_side_left + 20, top + (height - 2 * k_text_size) / 2,
+                             k_side_width - 24, 2 * k_text_size},
+                            u"", k_text_color, k_panel_color);
 }
 
 void build() {
     s_form.page = ux_current_page();
     ux_container &page = s_form.page->container;
     ux_container_set_bg_color(&page, k_page_color);
-    ux_text_label *title = add_label(page, k_margin, 72, 1120, k_title_size, u"Wireless network",
-                                     k_title_color, UX_COLOR_NONE);
-    title->obj.show = title->obj.repaint = show_title;
-    add_label(page, k_margin, 652, 1120, k_text_size, u"Up, down: move        OK: choose or go on",
-              k_quiet_color, UX_COLOR_NONE);
-    s_form.panel = add_panel(k_margin, k_top, k_panel_width, k_bottom - k_top);
+    add_title<k_title_size>(page, k_margin, 72, 1120, u"Wireless network");
+    add_label(page, {k_margin, 652, 1120, k_text_size},
+              u"Up, down: move        OK: choose or go on", k_quiet_color, UX_COLOR_NONE);
+    s_form.panel =
+        add_panel(page, {k_margin, k_top, k_panel_width, k_bottom - k_top}, k_panel_color);
     s_form.point = add_choice(k_point, u"Access point", k_points);
     s_form.security = add_choice(k_security, u"Security", k_securities);
     s_form.password = add_field(k_password, u"Password", 32);
@@ -460,7 +405,7 @@ void print_values() {
 } // namespace
 
 int main() {
-    set_text_size(k_text_size);
+    set_up_text_size(k_text_size);
     ux_system_init();
     build();
     ux_screen_show_all();

@@ -11,6 +11,9 @@
 #include <ctime>
 #include <string>
 
+#include "moment.h"
+#include "parts.h"
+
 #include <ux.h>
 
 namespace {
@@ -29,13 +32,7 @@ constexpr int k_calendar_size = 22; // the longest month's name in its column
 constexpr int k_time_size = 72;
 constexpr int k_memo_size = 34;
 
-constexpr uint32_t k_page_color = 0xFF0E1726;
-constexpr uint32_t k_panel_color = 0xFF16233A;
-constexpr uint32_t k_line_color = 0xFF34507A;
 constexpr uint32_t k_sheet_color = 0xFFC9D6EA;
-constexpr uint32_t k_title_color = 0xFFFFFFFF;
-constexpr uint32_t k_quiet_color = 0xFF9FB3CC;
-constexpr uint32_t k_focus_color = 0xFFFFD54A;
 
 constexpr char k_pictures[] = "/orbo/images";
 constexpr char k_face[] = "/orbo/images/clock-face.png";
@@ -43,14 +40,10 @@ constexpr const char16_t *k_message =
     u"\n      Do not forget\n\n      10:30  the plumber comes\n      16:00  tea with Ada\n\n\n"
     u"      OK lays this aside";
 
-struct time_of_day {
-    int hours, minutes, seconds;
-};
-
 struct desk {
     bool is_fixed = false; // the time is the arguments'
     time_of_day fixed = {0, 0, 0};
-    int year = 0, month = 1; // shown
+    month_of_year shown = {1, 1};
     ux_container *sheet = nullptr;
     ux_calendar *calendar = nullptr;
     ux_container *side = nullptr;
@@ -62,23 +55,6 @@ struct desk {
 desk s_desk;
 
 // Painting.
-
-void set_text_size(int pixels) {
-    setenv("FontSize", std::to_string(pixels).c_str(), 1);
-}
-
-// The size of all texts is one variable, read at every paint: some set it for themselves.
-template <int size, ux_slot show>
-int show_in_size(ux_obj *obj) {
-    set_text_size(size);
-    const int result = show(obj);
-    set_text_size(k_text_size);
-    return result;
-}
-
-void show(ux_obj &obj) {
-    obj.show(&obj);
-}
 
 bool memo_is_open() {
     return (s_desk.memo->obj.status & UX_ST_VISIBLE) != 0;
@@ -109,16 +85,14 @@ int tell_time(ux_clock *clock, intptr_t, intptr_t, intptr_t) {
 int show_time(ux_clock *, int hours, int minutes, int) {
     char digits[16];
     snprintf(digits, sizeof digits, "%02d:%02d", hours % 100, minutes % 100);
-    const std::string text = digits;
-    ux_text_label_set_text(s_desk.time, std::u16string(text.begin(), text.end()).c_str());
-    show(s_desk.time->obj);
+    show_text(s_desk.time, widened(digits));
     return 0;
 }
 
 // Months.
 
 void show_month() {
-    ux_calendar_set_date(s_desk.calendar, s_desk.year, s_desk.month, 1);
+    ux_calendar_set_date(s_desk.calendar, s_desk.shown.year, s_desk.shown.month, 1);
     show(s_desk.sheet->obj); // the sheet first: a month may have fewer rows than the last one
 }
 
@@ -127,11 +101,11 @@ int turn(ux_event *ev) {
     constexpr int last_year = 9999;
     if (memo_is_open())
         return 0;
-    const int months = s_desk.year * 12 + s_desk.month - 1 + (ev->value == UX_KEY_LEFT ? -1 : 1);
+    const int step = ev->value == UX_KEY_LEFT ? -1 : 1;
+    const int months = s_desk.shown.year * 12 + s_desk.shown.month - 1 + step;
     if (months < first_year * 12 || months >= (last_year + 1) * 12)
         return 0;
-    s_desk.year = months / 12;
-    s_desk.month = months % 12 + 1;
+    s_desk.shown = {months / 12, months % 12 + 1};
     show_month();
     return 0;
 }
@@ -156,30 +130,6 @@ int leave(ux_event *) {
 
 // Building.
 
-// Out of memory or without its pictures there is nothing to show.
-template <class T>
-T *made(T *object) {
-    if (object == nullptr)
-        std::exit(EXIT_FAILURE);
-    return object;
-}
-
-ux_text_label *add_label(ux_container &parent, int x, int y, int w, int h, const char16_t *text,
-                         uint32_t color, uint32_t background) {
-    ux_text_label *label = made(ux_text_label_new(&parent, x, y, w, h, text));
-    ux_text_label_set_fg_color(label, color);
-    ux_text_label_set_bg_color(label, background);
-    return label;
-}
-
-ux_container *add_panel(ux_container &parent, int x, int y, int w, int h, uint32_t color) {
-    ux_container *panel = made(ux_container_new(&parent, x, y, w, h));
-    ux_container_set_bg_color(panel, color);
-    ux_container_set_border(panel, 2);
-    ux_obj_set_border_colors(&panel->obj, k_line_color, k_line_color);
-    return panel;
-}
-
 int panel_height() {
     return main_screen.height - k_top - k_hint_height;
 }
@@ -188,11 +138,11 @@ int panel_height() {
 void build_calendar(ux_container &page) {
     const int left = k_gap / 2;
     const int width = main_screen.width - k_side_width - 2 * k_gap - left;
-    s_desk.sheet = add_panel(page, left, k_top, width, panel_height(), k_sheet_color);
+    s_desk.sheet = add_panel(page, {left, k_top, width, panel_height()}, k_sheet_color);
     s_desk.calendar =
         made(ux_calendar_new(s_desk.sheet, left, k_top, width, k_top + panel_height(), k_pictures));
     s_desk.calendar->obj.show = show_in_size<k_calendar_size, ux_calendar_show>;
-    ux_calendar_set_date(s_desk.calendar, s_desk.year, s_desk.month, 1);
+    ux_calendar_set_date(s_desk.calendar, s_desk.shown.year, s_desk.shown.month, 1);
 }
 
 void build_clock(ux_container &page) {
@@ -202,15 +152,16 @@ void build_clock(ux_container &page) {
     constexpr int digits_width = 212; // of five
     const int left = main_screen.width - k_gap - k_side_width;
     const int top = k_top + (panel_height() - k_clock_size - k_gap - k_time_size) / 2;
-    s_desk.side = add_panel(page, left, k_top, k_side_width, panel_height(), k_panel_color);
+    s_desk.side = add_panel(page, {left, k_top, k_side_width, panel_height()}, k_panel_color);
     s_desk.clock = made(ux_clock_new(s_desk.side, left + inset, top, k_clock_size, k_clock_size,
                                      radius, middle, middle, k_face, nullptr, nullptr));
     s_desk.clock->sync_period = 1; // at every advance: on its own it counts one second in two
     ux_clock_set_sync_cb(s_desk.clock, tell_time);
     ux_clock_set_tick_cb(s_desk.clock, show_time);
-    s_desk.time = add_label(*s_desk.side, left + (k_side_width - digits_width) / 2,
-                            top + k_clock_size + k_gap, digits_width, k_time_size, u"",
-                            k_title_color, k_panel_color);
+    s_desk.time = add_label(*s_desk.side,
+                            {left + (k_side_width - digits_width) / 2, top + k_clock_size + k_gap,
+                             digits_width, k_time_size},
+                            u"", k_title_color, k_panel_color);
     s_desk.time->obj.show = show_in_size<k_time_size, ux_text_label_show>;
 }
 
@@ -220,7 +171,7 @@ void build_memo() {
                                    k_memo_height, k_message));
     ux_memo_set_fg_color(s_desk.memo, k_title_color);
     ux_memo_set_border(s_desk.memo, k_memo_border);
-    ux_memo_set_border_color(s_desk.memo, k_line_color, k_focus_color);
+    ux_memo_set_border_color(s_desk.memo, k_line_color, k_highlight_color);
 }
 
 void build() {
@@ -229,8 +180,9 @@ void build() {
     build_calendar(page->container);
     build_clock(page->container);
     build_memo();
-    add_label(page->container, k_gap, main_screen.height - k_hint_height + k_text_size,
-              main_screen.width - 2 * k_gap, k_text_size,
+    add_label(page->container,
+              {k_gap, main_screen.height - k_hint_height + k_text_size,
+               main_screen.width - 2 * k_gap, k_text_size},
               u"Left, right: turn the month        OK: message        0: leave", k_quiet_color,
               UX_COLOR_NONE);
     ux_page_set_key_handler(page, UX_KEY_LEFT, turn);
@@ -243,14 +195,11 @@ bool read_arguments(int argc, char **argv) {
     const time_t now = time(nullptr);
     struct tm local = {};
     localtime_r(&now, &local);
-    s_desk.year = local.tm_year + 1900;
-    s_desk.month = local.tm_mon + 1;
+    s_desk.shown = {local.tm_year + 1900, local.tm_mon + 1};
     if (argc == 1)
         return true;
-    time_of_day &fixed = s_desk.fixed;
-    s_desk.is_fixed =
-        argc == 3 && sscanf(argv[1], "%d:%d:%d", &fixed.hours, &fixed.minutes, &fixed.seconds) == 3;
-    return s_desk.is_fixed && sscanf(argv[2], "%d-%d", &s_desk.year, &s_desk.month) == 2;
+    s_desk.is_fixed = true;
+    return argc == 3 && read_time(argv[1], s_desk.fixed) && read_month(argv[2], s_desk.shown);
 }
 
 } // namespace
@@ -260,7 +209,7 @@ int main(int argc, char **argv) {
         fprintf(stderr, "usage: %s [hours:minutes:seconds year-month]\n", argv[0]);
         return EXIT_FAILURE;
     }
-    set_text_size(k_text_size);
+    set_up_text_size(k_text_size);
     ux_system_init();
     build();
     const time_of_day now = present_time();

@@ -10,8 +10,7 @@
 #include <ux.h>
 
 // While an effect reveals a picture the main loop stands still and no handler runs. For that time
-// this thread takes the events instead; `take` tells the effect through its variables to stop. They
-// exist from the start, so that setting them only exchanges their values.
+// this thread takes the events instead; `take` tells the effect to stop by raising a flag.
 class show_stopper {
   public:
     using taker = void (*)(const ux_event &event);

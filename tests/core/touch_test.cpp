@@ -120,6 +120,16 @@ TEST_F(TouchTest, sums_beyond_32_bits_do_not_wrap) {
     EXPECT_EQ(touch(new_leaf(INT_MIN, INT_MIN, INT_MAX, INT_MAX), 0, 0), 0);
 }
 
+// Turned by 90 degrees, the drawing of 8 x 16 pixels shows its point (3, 2) at the device's (2, 4).
+TEST_F(TouchTest, touch_of_a_turned_screen_is_taken_as_it_comes) {
+    testing::internal::CaptureStdout();
+    ux_screen_rorate_init("RORATE_90");
+    testing::internal::GetCapturedStdout();
+    ux_obj *leaf = new_leaf(3, 2, 0, 0);
+    EXPECT_EQ(touch(leaf, 3, 2), 1);
+    EXPECT_EQ(touch(leaf, 2, 4), 0);
+}
+
 TEST_F(TouchTest, handler_gets_a_touch_event_of_its_own) {
     ux_obj *leaf = new_leaf(3, 2, 4, 3);
     int data = 0;

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""docs/porting.md lists exactly the symbols of the chip that the library leaves undefined."""
+"""docs/porting.md lists and declares exactly the symbols of the chip that the library leaves
+undefined. That the declarations are those of the header is samples.py's to find."""
 
 import argparse
 import re
@@ -10,6 +11,8 @@ from pathlib import Path
 
 DOCUMENT = Path(__file__).resolve().parents[2] / "docs" / "porting.md"
 LISTED = re.compile(r"^\| `(\w+)` \|", re.M)
+FENCE = re.compile(r"^```c\n(.*?)^```$", re.M | re.S)
+DECLARED = re.compile(r"^\w[^;]*?(\w+)(?:\([^;]*\))?;", re.M)
 
 
 def symbols(nm, library, which):
@@ -26,13 +29,17 @@ def main():
     arguments = parser.parse_args()
     asked = (symbols(arguments.nm, arguments.library, "--undefined-only")
              & symbols(arguments.nm, arguments.platform, "--defined-only"))
-    listed = LISTED.findall(DOCUMENT.read_text(encoding="utf-8"))
+    text = DOCUMENT.read_text(encoding="utf-8")
+    listed = LISTED.findall(text)
+    declared = DECLARED.findall("".join(FENCE.findall(text)))
     for name in sorted(asked - set(listed)):
         print(f"{DOCUMENT}: {name} is not listed")
     for name in sorted(name for name in set(listed)
                        if name not in asked or listed.count(name) > 1):
         print(f"{DOCUMENT}: {name} is not asked for, or listed twice")
-    return 0 if asked and sorted(listed) == sorted(asked) else 1
+    for name in sorted(set(listed) ^ set(declared)):
+        print(f"{DOCUMENT}: {name} is listed or declared, and not both")
+    return 0 if asked and sorted(listed) == sorted(asked) == sorted(declared) else 1
 
 
 if __name__ == "__main__":

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Every code sample of the documents compiles; complete programs link with the library. A script of
-the simulator is carried out on the program before it in the same document, if there is one."""
+the simulator is carried out on the program before it in the same document, if there is one, and its
+shots are compared with those of docs/images. With UX_GOLDEN_RENEW=1 in the environment they become
+those."""
 
 import argparse
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -38,6 +41,17 @@ class Checker:
         self.program = None  # the last one of the document
         paths = {str(library.parent) for library in arguments.library}
         self.environment = {**os.environ, "LD_LIBRARY_PATH": ":".join(sorted(paths))}
+        self.includes = [f"-I{project.ROOT / 'include'}", f"-I{folder / 'include'}"]
+        self.install_platform_header(folder / "include" / "ux")
+
+    @staticmethod
+    def install_platform_header(folder):
+        """Where an installation has it. A sample that declares its functions again compiles only
+        if the declarations are the same."""
+        header = project.ROOT / "platform" / "em862x.h"
+        folder.mkdir(parents=True, exist_ok=True)
+        if header.exists():
+            shutil.copy(header, folder)
 
     def run(self, *command, fails=lambda status: status != 0):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -56,12 +70,10 @@ class Checker:
         if MAIN.search(code):
             self.program = made = self.folder / "program"
             end = [*map(str, self.arguments.library), "-pthread"]
-        return self.run(compiler, *options, *WARNINGS, f"-I{project.ROOT / 'include'}", source,
-                        *end, "-o", made)
+        return self.run(compiler, *options, *WARNINGS, *self.includes, source, *end, "-o", made)
 
     def c(self, code):
-        return self.compile(self.arguments.cc, ["-std=c11", "-D_DEFAULT_SOURCE"],
-                            self.keep("sample.c", code), code)
+        return self.compile(self.arguments.cc, ["-std=c11"], self.keep("sample.c", code), code)
 
     def cpp(self, code):
         return self.compile(self.arguments.cxx, ["-std=c++20"],
@@ -76,9 +88,13 @@ class Checker:
     def uxs(self, code):
         """Without a host: the simulator looks at the whole script before it looks for one."""
         simulate = [self.arguments.simulator, "--headless", "--virtual-time", "--timeout", "60",
-                    "--shots", self.arguments.shots or self.folder / "shots", "--script", self.keep("sample.uxs", code)]
+                    "--script", self.keep("sample.uxs", code)]
         if self.program:
-            return self.run(*simulate, "--", self.program)
+            images = project.ROOT / "docs" / "images"
+            shots = ["--shots", images]
+            if os.environ.get("UX_GOLDEN_RENEW") != "1":
+                shots = ["--shots", self.folder / "shots", "--expect", images]
+            return self.run(*simulate, *shots, "--", self.program)
         return self.run(*simulate, "--", self.folder / "no-host",
                         fails=lambda status: status != 127)
 
@@ -107,7 +123,6 @@ def main():
     parser.add_argument("--cxx", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--library", type=Path, action="append", default=[])
-    parser.add_argument("--shots", type=Path, help="where scripts leave their shots")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="ux-samples-") as folder:
         count, complaints = check(Checker(arguments, Path(folder)))

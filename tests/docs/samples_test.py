@@ -34,8 +34,7 @@ class SamplesTest(unittest.TestCase):
         patch = mock.patch.object(samples.project, "ROOT", self.root)
         patch.start()
         self.addCleanup(patch.stop)
-        tools = argparse.Namespace(cc="cc", cxx="c++", simulator="false", library=[],
-                                   shots=None)
+        tools = argparse.Namespace(cc="cc", cxx="c++", simulator="false", library=[])
         self.checker = samples.Checker(tools, self.root)
 
     def check(self, blocks):

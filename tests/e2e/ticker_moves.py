@@ -34,6 +34,8 @@ def unfilter(kind, row, above):
     if kind == 1:
         for i in range(3, len(row)):
             row[i] = (row[i] + row[i - 3]) & 255
+    elif kind == 2 and not any(row):
+        return above
     elif kind == 2:
         for i, b in enumerate(above):
             row[i] = (row[i] + b) & 255

@@ -95,6 +95,20 @@ TEST_F(CalendarLayoutTest, picture_is_blended_over_what_is_there) {
     EXPECT_EQ(buf_pixel(178 + 4 * 19, 80), 0xFF7F7F7Fu);
 }
 
+// August 2009 begins on a Saturday: its last day is the second cell of the sixth row, which
+// February does not reach.
+TEST_F(CalendarLayoutTest, month_is_painted_over_the_one_before) {
+    ux_calendar *calendar = make();
+    const int left = 178 + 1 * 19;
+    const int top = 80 + 5 * 25;
+    shown(calendar, 2009, 2);
+    EXPECT_EQ(buf_pixel(left, top), 0u);
+    shown(calendar, 2009, 8);
+    EXPECT_EQ(buf_pixel(left, top), k_red_seen);
+    shown(calendar, 2009, 2);
+    EXPECT_EQ(buf_pixel(left, top), k_red_seen);
+}
+
 TEST_F(CalendarLayoutTest, texts_are_painted_in_order_the_column_first_then_the_days) {
     ux_calendar *calendar = make();
     take_calls();

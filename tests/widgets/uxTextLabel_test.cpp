@@ -214,6 +214,28 @@ TEST_F(TextLabelTest, background_goes_to_buf_and_text_to_fb) {
                                                       "................\n");
 }
 
+// Turned by 90 degrees the drawing is 8 x 16 pixels. The background comes from `buf` and stands
+// turned: its columns 2 to 5 are rows 5 to 2 of the device, its rows 3 to 7 the device's columns.
+// The ink is stored in rows of 8 as if nothing were turned: element 3 * 8 + 2 is the device's (10,
+// 1).
+TEST_F(TextLabelTest, text_of_a_turned_screen_is_not_turned) {
+    set_apart();
+    testing::internal::CaptureStdout();
+    ux_screen_rorate_init("RORATE_90");
+    testing::internal::GetCapturedStdout();
+    ux_text_label *label = make(2, 3, 4, 5);
+    ux_text_label_show(&label->obj);
+    std::swap(main_screen.width, main_screen.height);
+    EXPECT_EQ(fb_letters({{k_fg, 'X'}, {k_bg, 'b'}}), "................\n"
+                                                      "..........X.....\n"
+                                                      "...bbbbb........\n"
+                                                      "...bbbbb........\n"
+                                                      "...bbbbb........\n"
+                                                      "...bbbbb........\n"
+                                                      "................\n"
+                                                      "................\n");
+}
+
 TEST_F(TextLabelTest, show_ends_with_a_copy_of_the_rectangle_to_the_device) {
     set_apart();
     ux_text_label *label = make(1, 1, 2, 5);
