@@ -135,10 +135,10 @@ void release_screen() {
 } // namespace
 } // namespace ux
 
+// What an earlier call opened is closed first: the engine takes no second user.
 // A device failure shows in the messages only: the font is opened and page 0 made all the same.
 int ux_system_init() noexcept {
-    if (ux::s_device.open)
-        ux::release_screen();
+    ux_system_close();
     main_screen = {};
     ux::open_screen();
     ux::s_device.open = true;

@@ -61,7 +61,15 @@ bool unlink_child(ux_container *container, const ux_obj *obj) {
     return false;
 }
 
+void drop_focus(const ux_obj *obj) {
+    ux_page *page = page_of(obj);
+    if (page && page->focus == obj)
+        page->focus = nullptr;
+}
+
+// Releases an object; neither its page nor a walk keeps a pointer to it.
 void release(ux_obj *obj) {
+    drop_focus(obj);
     child_walk::forget(obj);
     if (obj->free)
         obj->free(obj);
@@ -96,9 +104,6 @@ int ux_container_add_obj(ux_container *container, ux_obj *obj) noexcept {
 int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t, intptr_t) noexcept {
     if (!obj || !ux::unlink_child(container, obj))
         return -1;
-    ux_page *page = ux::page_of(obj);
-    if (page && page->focus == obj)
-        page->focus = nullptr;
     ux::release(obj);
     container->count--;
     return 0;
@@ -124,11 +129,10 @@ int ux_container_scan(ux_container *container, ux_handler callback, void *arg) n
 int ux_container_free(ux_obj *container) noexcept {
     {
         ux::child_walk walk(ux::as_container(container));
-        while (ux_obj *child = walk.next()) {
-            ux::child_walk::forget(child);
-            child->free(child);
-        }
+        while (ux_obj *child = walk.next())
+            ux::release(child);
     }
+    ux::drop_focus(container);
     return ux_obj_free(container);
 }
 

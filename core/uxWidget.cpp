@@ -67,12 +67,13 @@ int ux_screen_repaint() noexcept {
     return 0;
 }
 
+// The page is looked up after the leaving one's callback, which may have made it.
 int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) noexcept {
     ux_page *left = ux_current_page();
-    ux_page *entered = ux::page_at(index);
-    if (entered && left && left->on_leave)
+    if (left && left->on_leave)
         left->on_leave(left, a, b, c);
     main_screen.current_page = index;
+    ux_page *entered = ux_current_page();
     if (entered && entered->on_enter)
         entered->on_enter(entered);
     return ux_screen_repaint();

@@ -82,19 +82,27 @@ void deliver(event_message &message) {
     ux_event_put(&event);
 }
 
+// What the started thread runs: the flag was raised before.
+void *read_events(void *) {
+    event_message message = {};
+    do {
+        const bool came = receive(message);
+        openings_ended++;
+        if (came)
+            deliver(message);
+    } while (!is_stopping());
+    s_reader.mark_ended();
+    return nullptr;
+}
+
 } // namespace
 } // namespace ux
 
-void *event_task(void *) noexcept {
-    ux::event_message message = {};
-    do {
-        const bool came = ux::receive(message);
-        ux::openings_ended++;
-        if (came)
-            ux::deliver(message);
-    } while (!ux::is_stopping());
-    ux::s_reader.mark_ended();
-    return nullptr;
+// On a thread of the host's own nobody has raised the flag.
+void *event_task(void *unused) noexcept {
+    ux::event_running = 1;
+    ux::s_reader.mark_begun();
+    return ux::read_events(unused);
 }
 
 int ux_event_put(const ux_event *ev) noexcept {
@@ -127,7 +135,7 @@ int ux_event_init() noexcept {
     mknod(ux::k_event_pipe, ux::k_pipe_mode, 0);
     ux::event_running = 1;
     ux::s_stop_is_out = false;
-    ux::s_reader.start(&ux::event_thread, event_task);
+    ux::s_reader.start(&ux::event_thread, ux::read_events);
     uxEvent_Init_em862x();
     return 0;
 }

@@ -37,6 +37,7 @@ class helper_thread {
     // Waits for the end of a started thread; does nothing otherwise.
     void join();
 
+    void mark_begun() { m_ended.store(false, std::memory_order_release); }
     bool is_started() const { return m_handle != nullptr; }
     void mark_ended() { m_ended.store(true, std::memory_order_release); }
     bool has_ended() const { return m_ended.load(std::memory_order_acquire); }

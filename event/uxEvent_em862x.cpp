@@ -130,6 +130,15 @@ void receive_all() {
     }
 }
 
+// What the started thread runs: the flag was raised before.
+void *forward_messages(void *) {
+    s_last_opening = openings_ended - 1;
+    receive_all();
+    send_stop();
+    s_bridge.mark_ended();
+    return nullptr;
+}
+
 } // namespace
 } // namespace ux
 
@@ -147,7 +156,7 @@ int uxEvent_Init_em862x() noexcept {
         return -1;
     }
     ux::event_task_running = 1;
-    return ux::s_bridge.start(&ux::s_bridge_handle, uxEvent_task_em862x) ? 0 : -1;
+    return ux::s_bridge.start(&ux::s_bridge_handle, ux::forward_messages) ? 0 : -1;
 }
 
 int uxEvent_Close_em862x() noexcept {
@@ -166,12 +175,10 @@ int uxEvent_Close_em862x() noexcept {
     return 0;
 }
 
-void *uxEvent_task_em862x(void *) noexcept {
-    ux::s_last_opening = ux::openings_ended - 1;
-    ux::receive_all();
-    ux::send_stop();
-    ux::s_bridge.mark_ended();
-    return nullptr;
+// On a thread of the host's own nobody has raised the flag.
+void *uxEvent_task_em862x(void *unused) noexcept {
+    ux::event_task_running = 1;
+    return ux::forward_messages(unused);
 }
 
 int send_pipe_event(const char *text) noexcept {

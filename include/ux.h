@@ -281,9 +281,10 @@ UX_API int ux_screen_show_all(void) UX_NOEXCEPT;
 UX_API int ux_screen_repaint(void) UX_NOEXCEPT;
 
 /* Calls the current page's on_leave with `a`, `b`, `c`, makes page `index` current, calls its
- * on_enter and then repaints it, which takes 1 second. The current page is left and entered too.
- * Nothing is marked hidden, each page keeps its focus, and clocks and timers of the page that is
- * left go on. An index without a page is stored and nothing is called or painted. Returns 0. */
+ * on_enter and then repaints it, which takes 1 second. The page may be made in the on_leave. The
+ * current page is left and entered too. Nothing is marked hidden, each page keeps its focus, and
+ * clocks and timers of the page that is left go on. An index without a page is stored, and nothing
+ * is entered or painted. Returns 0. */
 UX_API int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
 
 /* Copies a rectangle (pixels) of `buf` to `fb`, turned when the display is rotated; what lies
@@ -420,9 +421,9 @@ UX_API int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t a
  * `arg` in `data`; it may delete objects. Returns the sum of the results, 0 for a null callback. */
 UX_API int ux_container_scan(ux_container *container, ux_handler callback, void *arg) UX_NOEXCEPT;
 
-/* Releases every child through its `free` slot, which must not be null, then the container.
- * Children of child containers are not released. Does not unlink it; the `free` slot of a container
- * is ux_obj_free() and releases no child. Returns 0. */
+/* Releases every child as ux_container_del_obj() does, then the container. Children of child
+ * containers are not released. A page whose focus one of them had has none afterwards. Does not
+ * unlink it; the `free` slot of a container is ux_obj_free() and releases no child. Returns 0. */
 UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
 
 /* Paints background (colour, saved copy or picture) and border only. The picture fills the inside
@@ -480,7 +481,7 @@ UX_API int ux_event_put(const ux_event *ev) UX_NOEXCEPT;
  * Returns 0, or -2 when there is none. */
 UX_API int ux_event_get(ux_event *ev) UX_NOEXCEPT;
 
-/* The event thread: reads messages from the pipe into the ring. */
+/* The event thread: reads messages from the pipe into the ring until ux_event_close(). */
 UX_API void *event_task(void *unused) UX_NOEXCEPT;
 
 /* Opens the message queue of ftok("/tmp", 40), made with mode 0660 if there is none, and starts the

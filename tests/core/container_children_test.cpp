@@ -166,6 +166,36 @@ TEST_F(ContainerChildrenTest, free_releases_the_children_newest_first) {
     EXPECT_EQ(s_log.calls, "2free 1free 0free ");
 }
 
+TEST_F(ContainerChildrenTest, free_takes_the_pages_focus_from_the_container_and_its_children) {
+    ux_container *inner = ux_container_new(&page->container, 0, 0, 1, 1);
+    inner->obj.free = ux_container_free;
+    new_leaf(inner, 1);
+    page->focus = new_leaf(inner, 2);
+    ux_obj *leaf = new_leaf(box, 3);
+    ux_container_del_obj(&page->container, &inner->obj, 0, 0);
+    EXPECT_EQ(page->focus, nullptr);
+
+    page->focus = leaf;
+    ux_container *alone = ux_container_new(nullptr, 0, 0, 1, 1);
+    alone->obj.page_id = 0;
+    ux_container_free(&alone->obj);
+    EXPECT_EQ(page->focus, leaf);
+
+    alone = ux_container_new(nullptr, 0, 0, 1, 1);
+    alone->obj.page_id = 0;
+    page->focus = &alone->obj;
+    ux_container_free(&alone->obj);
+    EXPECT_EQ(page->focus, nullptr);
+}
+
+TEST_F(ContainerChildrenTest, free_releases_a_child_without_free_slot) {
+    ux_container *alone = ux_container_new(nullptr, 0, 0, 1, 1);
+    new_leaf(alone, 1);
+    new_leaf(alone, 2)->free = nullptr;
+    EXPECT_EQ(ux_container_free(&alone->obj), 0);
+    EXPECT_EQ(s_log.calls, "1free ");
+}
+
 TEST_F(ContainerChildrenTest, free_is_not_recursive) {
     ux_container *outer = ux_container_new(nullptr, 0, 0, 1, 1);
     ux_container *inner = ux_container_new(outer, 0, 0, 1, 1);

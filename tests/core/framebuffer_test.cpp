@@ -336,6 +336,19 @@ TEST_F(FramebufferTest, second_init_gives_the_first_screen_back) {
     EXPECT_EQ(main_screen.buf, device.memory.data());
 }
 
+TEST_F(FramebufferTest, second_init_closes_the_font_before_it_opens_it_again) {
+    init();
+    free(main_screen.pages[0]);
+    auto &calls = fake_chip::get().calls;
+    calls.clear();
+    init();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "RMTTCloseFont 1"), 1);
+    const auto closed = std::find(calls.begin(), calls.end(), "RMTTCloseFont 1");
+    EXPECT_LT(closed, std::find_if(calls.begin(), calls.end(), [](const std::string &call) {
+                  return call.rfind("RUACreateInstance", 0) == 0;
+              }));
+}
+
 TEST_F(FramebufferTest, red_at_11_of_length_5_is_rgb565_without_a_warning) {
     set_format(16, 11, 5);
     init();

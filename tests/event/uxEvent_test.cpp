@@ -93,6 +93,31 @@ TEST_F(EventThread, a_second_init_leaves_one_reader_and_one_bridge) {
     EXPECT_EQ(err(), "event_task: 0 24 0 0\n");
 }
 
+TEST_F(EventThread, the_task_reads_on_a_thread_of_the_host_s_own_until_the_close) {
+    ASSERT_EQ(mkfifo(pipe_path().c_str(), 0600), 0);
+    std::thread reader([] { event_task(nullptr); });
+    for (const char *code : {"11", "12", "13"}) {
+        write_message("1\n" + std::string(code) + "\n");
+        EXPECT_EQ(next_event(), "1 " + std::string(code) + " 0 0");
+    }
+    ux_event_close();
+    reader.join();
+}
+
+TEST_F(EventThread, the_task_runs_again_and_takes_the_texts_sent_to_it) {
+    ASSERT_EQ(mkfifo(pipe_path().c_str(), 0600), 0);
+    for (int run = 0; run < 2; run++) {
+        std::thread reader([] { event_task(nullptr); });
+        EXPECT_TRUE(reader_has_pipe_open());
+        send_pipe_event("1\n11\n");
+        EXPECT_EQ(next_event(), "1 11 0 0");
+        send_pipe_event("1\n12\n");
+        EXPECT_EQ(next_event(), "1 12 0 0");
+        ux_event_close();
+        reader.join();
+    }
+}
+
 TEST_F(EventThread, a_key_is_traced_and_queued) {
     ux_event_init();
     write_message("1\n23\n");
