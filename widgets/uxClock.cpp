@@ -214,8 +214,9 @@ ux_clock *ux_clock_new(ux_container *parent, int x, int y, int w, int h, int rad
         free(clock);
         return nullptr;
     }
-    clock->state->second_image = ux::load_image(second, 2 * radius, 2 * radius);
-    clock->state->third_image = ux::load_image(third, 2 * radius, 2 * radius);
+    const int side = ux::coordinate(int64_t{radius} * 2);
+    clock->state->second_image = ux::load_image(second, side, side);
+    clock->state->third_image = ux::load_image(third, side, side);
     clock->state->timeout_id = ux::k_no_timeout;
     clock->radius = radius;
     clock->center_x = center_x;
