@@ -321,14 +321,8 @@ int ux_button_list_repaint(ux_obj *obj) noexcept {
     return ux::show_or_hide(obj, ux_button_list_show, ux_button_list_hide);
 }
 
-// A button that has the page's focus goes with the list.
 int ux_button_list_free(ux_obj *obj) noexcept {
     const auto *list = ux::as<ux_button_list>(obj);
-    ux_page *page = ux::page_of(obj);
-    ux::for_each_item(list, [&](const ux_text_button *button) {
-        if (page && page->focus == &button->obj)
-            page->focus = nullptr;
-    });
     free(list->items);
     free(list->values);
     return ux_container_free(obj);
