@@ -176,6 +176,17 @@ TEST_F(ImageLabelTest, path_that_only_begins_alike_is_another) {
     EXPECT_EQ(label->obj.status, 0u);
 }
 
+TEST_F(ImageLabelTest, all_255_bytes_of_a_path_are_compared_and_none_behind_them) {
+    const std::string path(255, 'p');
+    ux_image_label *label = make(path);
+    label->obj.status = UX_ST_FG_SAVED;
+    ux_image_label_set_image(label, (path + "more").c_str());
+    EXPECT_EQ(label->obj.status, UX_ST_FG_SAVED) << "the same once it is cut";
+    ux_image_label_set_image(label, (path.substr(1) + "q").c_str());
+    EXPECT_EQ(label->obj.status, 0u);
+    EXPECT_EQ(label->image[254], 'q');
+}
+
 TEST_F(ImageLabelTest, kept_face_is_used_after_the_flag_is_taken_away) {
     ux_image_label *label = make_keeping(red);
     ux_image_label_show(&label->obj);
