@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Operations on the header that every object begins with: state bits, colours, save areas, release.
 
-#include "core/child_walk.h"
 #include "core/object_kit.h"
 #include "core/save_area.h"
 
@@ -126,7 +125,7 @@ int ux_obj_set_size(ux_obj *obj, int x, int y, int w, int h) noexcept {
 }
 
 int ux_obj_free(ux_obj *obj) noexcept {
-    ux::child_walk::forget(obj);
+    ux::forget_object(obj);
     free(obj->bg_backup);
     free(obj);
     return 0;

@@ -222,7 +222,7 @@ struct ux_page {
     ux_container container;               /* the container it extends */
     ux_handler key_handlers[UX_MAX_KEYS]; /* handler of each key code; null = none */
     ux_handler default_key_handler;       /* for keys without a handler; null = drop them */
-    ux_obj *focus;                        /* the object that has the focus, or null */
+    ux_obj *focus;                        /* the object that has the focus; null once it is freed */
     int (*on_enter)(ux_page *page); /* set by the host: the page becomes current; may be null */
     int (*on_leave)(ux_page *page, intptr_t a, intptr_t b,
                     intptr_t c); /* set by the host: the page is left; may be null */

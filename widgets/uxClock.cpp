@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The analogue clock: a polling timeout that advances it, the handlers of the host, face and hands.
 
-#include "core/child_walk.h"
 #include "core/save_area.h"
 #include "widgets/clock_hands.h"
 #include "widgets/widget_kit.h"
@@ -214,8 +213,9 @@ ux_clock *ux_clock_new(ux_container *parent, int x, int y, int w, int h, int rad
         free(clock);
         return nullptr;
     }
-    clock->state->second_image = ux::load_image(second, 2 * radius, 2 * radius);
-    clock->state->third_image = ux::load_image(third, 2 * radius, 2 * radius);
+    const int side = ux::coordinate(int64_t{radius} * 2);
+    clock->state->second_image = ux::load_image(second, side, side);
+    clock->state->third_image = ux::load_image(third, side, side);
     clock->state->timeout_id = ux::k_no_timeout;
     clock->radius = radius;
     clock->center_x = center_x;
@@ -296,7 +296,7 @@ int ux_clock_free(ux_obj *obj) noexcept {
     auto *clock = ux::as<ux_clock>(obj);
     ux::clock_watch::forget(clock);
     ux::stop_timeout(clock);
-    ux::child_walk::forget(obj);
+    ux::forget_object(obj);
     ux::free_state(clock->state);
     free(obj);
     return 0;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The memo: lines of text over the player's message picture, inside a border.
 
-#include "core/child_walk.h"
 #include "widgets/widget_kit.h"
 
 #include <cstdio>
@@ -151,7 +150,7 @@ int ux_memo_unset_focus(ux_obj *obj) noexcept {
 }
 
 int ux_memo_free(ux_obj *obj) noexcept {
-    ux::child_walk::forget(obj);
+    ux::forget_object(obj);
     free(ux::as<ux_memo>(obj)->text);
     free(obj);
     return 0;

@@ -24,44 +24,6 @@ place place_of(const ux_button_list *list, int i) {
 
 } // namespace
 
-TEST_F(ButtonListTest, constructor_fills_the_header) {
-    ux_button_list *list = ux_button_list_new(root(), 1, -2, 30, 40, 2, 5);
-    const ux_obj &obj = list->container.obj;
-    EXPECT_EQ(obj.x, 1);
-    EXPECT_EQ(obj.y, -2);
-    EXPECT_EQ(obj.width, 30);
-    EXPECT_EQ(obj.height, 40);
-    EXPECT_EQ(obj.type, 0x80000014u);
-    EXPECT_EQ(obj.flags, 0u);
-    EXPECT_EQ(obj.status, 0u);
-    EXPECT_EQ(obj.page_id, 0);
-    EXPECT_EQ(obj.border, 0);
-    EXPECT_EQ(obj.alpha, 255u);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-    EXPECT_EQ(obj.bg_backup, nullptr);
-    EXPECT_EQ(obj.parent, &page->container.obj);
-    EXPECT_EQ(page->container.children, &obj);
-    for (uint32_t color : {obj.top_color, obj.bottom_color, obj.left_color, obj.right_color})
-        EXPECT_EQ(color, 0xFFFFFFFF);
-    for (uint32_t color :
-         {obj.top_focus_color, obj.bottom_focus_color, obj.left_focus_color, obj.right_focus_color})
-        EXPECT_EQ(color, 0xFFFFEE00);
-}
-
-TEST_F(ButtonListTest, unset_focus_and_both_select_slots_stay_empty) {
-    const ux_obj &obj = make(2)->container.obj;
-    EXPECT_EQ(obj.show, ux_button_list_show);
-    EXPECT_EQ(obj.hide, ux_button_list_hide);
-    EXPECT_EQ(obj.repaint, ux_button_list_repaint);
-    EXPECT_EQ(obj.set_focus, ux_button_list_set_focus);
-    EXPECT_EQ(obj.unset_focus, nullptr);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_button_list_free);
-}
-
 TEST_F(ButtonListTest, constructor_fills_the_container_and_the_lists_own_fields) {
     ux_button_list *list = ux_button_list_new(root(), 0, 0, 30, 40, 3, -5);
     EXPECT_EQ(list->container.bg_color, 0u);

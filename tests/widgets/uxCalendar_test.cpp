@@ -5,17 +5,6 @@
 
 TEST_F(CalendarTest, constructor_fills_the_record_with_january_2009_and_paints_nothing) {
     const ux_calendar *calendar = make();
-    EXPECT_EQ(calendar->obj.type, 11u);
-    EXPECT_EQ(calendar->obj.flags, 0x10u);
-    EXPECT_EQ(calendar->obj.status, 0u);
-    EXPECT_EQ(calendar->obj.x, 1);
-    EXPECT_EQ(calendar->obj.y, 2);
-    EXPECT_EQ(calendar->obj.width, k_width);
-    EXPECT_EQ(calendar->obj.height, k_height);
-    EXPECT_EQ(calendar->obj.border, 0);
-    EXPECT_EQ(calendar->obj.alpha, 255u);
-    EXPECT_EQ(calendar->obj.parent, &root()->obj);
-    EXPECT_EQ(calendar->obj.page_id, 0);
     EXPECT_STREQ(calendar->image_dir, directory.c_str());
     EXPECT_EQ(calendar->year, 2009);
     EXPECT_EQ(calendar->month, 1);
@@ -28,21 +17,6 @@ TEST_F(CalendarTest, constructor_fills_the_record_with_january_2009_and_paints_n
     EXPECT_EQ(calendar->reserved, 0);
     EXPECT_EQ(take_calls(), calls{});
     EXPECT_EQ(memory_of(main_screen.buf), std::vector<uint8_t>(320 * 232 * 4));
-}
-
-TEST_F(CalendarTest, slots_are_the_calendars_own_and_those_of_selection_are_null) {
-    const ux_obj &obj = make()->obj;
-    EXPECT_EQ(obj.show, ux_calendar_show);
-    EXPECT_EQ(obj.hide, ux_calendar_hide);
-    EXPECT_EQ(obj.repaint, ux_calendar_repaint);
-    EXPECT_EQ(obj.set_focus, ux_calendar_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_calendar_unset_focus);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
 }
 
 // Two records that held different bytes before hold the same ones afterwards.
@@ -59,15 +33,6 @@ TEST_F(CalendarTest, every_field_of_a_record_of_the_hosts_is_set) {
     EXPECT_EQ(records[1].obj.bg_backup, nullptr);
     EXPECT_EQ(records[1].obj.fg_backup, nullptr);
     EXPECT_EQ(records[1].obj.status, 0u);
-}
-
-TEST_F(CalendarTest, constructor_reports_that_there_is_no_memory) {
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(make(), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [0] Not enough memory space for calendar!\n\n");
-    EXPECT_EQ(root()->count, 0u);
 }
 
 TEST_F(CalendarTest, setters_store_and_do_nothing_else) {

@@ -31,41 +31,6 @@ class CheckBoxTest : public WidgetTest {
 
 } // namespace
 
-TEST_F(CheckBoxTest, constructor_fills_the_header) {
-    const ux_obj &obj = ux_check_box_new(root(), 1, -2, 30, 40, u"a")->obj;
-    EXPECT_EQ(obj.x, 1);
-    EXPECT_EQ(obj.y, -2);
-    EXPECT_EQ(obj.width, 30);
-    EXPECT_EQ(obj.height, 40);
-    EXPECT_EQ(obj.type, 40u);
-    EXPECT_EQ(obj.flags, 0x10u);
-    EXPECT_EQ(obj.status, 0u);
-    EXPECT_EQ(obj.page_id, 0);
-    EXPECT_EQ(obj.border, 0);
-    EXPECT_EQ(obj.alpha, 255u);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-    EXPECT_EQ(obj.bg_backup, nullptr);
-    EXPECT_EQ(obj.parent, &page->container.obj);
-    EXPECT_EQ(obj.top_color, 0xFFFFFFFF);
-    EXPECT_EQ(obj.right_color, 0xFFFFFFFF);
-    EXPECT_EQ(obj.left_focus_color, 0xFFFFEE00);
-    EXPECT_EQ(obj.bottom_focus_color, 0xFFFFEE00);
-}
-
-TEST_F(CheckBoxTest, slots_are_filled_and_both_select_slots_are_empty) {
-    const ux_obj &obj = make(0, 0, 4, 4)->obj;
-    EXPECT_EQ(obj.show, ux_check_box_show);
-    EXPECT_EQ(obj.hide, ux_check_box_hide);
-    EXPECT_EQ(obj.repaint, ux_check_box_repaint);
-    EXPECT_EQ(obj.set_focus, ux_check_box_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_check_box_unset_focus);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-}
-
 TEST_F(CheckBoxTest, constructor_fills_the_boxes_own_fields) {
     const ux_check_box *box = ux_check_box_new(root(), 0, 0, 4, 4, u"ab");
     EXPECT_EQ(std::u16string(box->text), u"ab");
@@ -102,16 +67,6 @@ TEST_F(CheckBoxTest, box_without_a_parent_has_no_page) {
     EXPECT_EQ(page->focus, nullptr);
     EXPECT_EQ(take_calls(), calls{});
     ux_obj_free(&box->obj);
-}
-
-TEST_F(CheckBoxTest, lack_of_memory_is_told_in_the_text_fields_words_and_links_nothing) {
-    ux_error = -3;
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(ux_check_box_new(root(), 0, 0, 4, 4, u"a"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [-3] Not enough memory space for text field!\n\n");
-    EXPECT_EQ(page->container.count, 0u);
 }
 
 TEST_F(CheckBoxTest, unchecked_box_paints_outline_and_caption_over_what_lay_beneath) {

@@ -90,6 +90,19 @@ TEST_F(ClockTest, geometry_beyond_all_integers_is_refused) {
     EXPECT_FALSE(is_made(root(), blue, INT_MIN, INT_MIN, 0, 0, 0));
 }
 
+// Hands of less than no length fit anywhere. The sanitizer sees a size that no integer holds.
+TEST_F(ClockTest, radius_below_0_is_accepted_down_to_the_smallest_integer) {
+    for (int radius : {-1, -1073741825, INT_MIN}) {
+        ux_clock *clock = ux_clock_new(root(), 1, 1, 7, 7, radius, 3, 3, blue.c_str(), red.c_str(),
+                                       green.c_str());
+        ASSERT_NE(clock, nullptr) << radius;
+        EXPECT_EQ(clock->radius, radius);
+        EXPECT_EQ(files_read(), (files{blue, red, green}));
+        EXPECT_EQ(ux_clock_show(&clock->obj, 0, 0, 0), 0);
+        ux_clock_hide(&clock->obj);
+    }
+}
+
 TEST_F(ClockTest, three_pictures_are_read_the_first_in_the_clocks_size_the_others_in_two_radii) {
     ux_clock *clock =
         ux_clock_new(root(), 0, 0, 9, 8, 3, 3, 3, blue.c_str(), red.c_str(), green.c_str());

@@ -25,42 +25,13 @@ constexpr uint32_t k_both = UX_ST_FOCUSED | UX_ST_SELECTED;
 
 } // namespace
 
-TEST_F(ImageButtonTest, constructor_fills_the_record_and_paints_nothing) {
+TEST_F(ImageButtonTest, constructor_copies_the_paths_twice_and_paints_nothing) {
     ux_image_button *button = make("/a.png", "/b.png");
-    EXPECT_EQ(button->obj.type, 6u);
-    EXPECT_EQ(button->obj.flags, static_cast<uint32_t>(UX_FLAG_SAVE_BG));
-    EXPECT_EQ(button->obj.status, 0u);
-    EXPECT_EQ(button->obj.border, 0);
-    EXPECT_EQ(button->obj.bg_backup, nullptr);
-    EXPECT_EQ(button->obj.parent, &root()->obj);
     EXPECT_STREQ(button->image, "/a.png");
     EXPECT_STREQ(button->focus_image, "/b.png");
     EXPECT_STREQ(button->select_image, "/a.png");
     EXPECT_STREQ(button->select_focus_image, "/b.png");
     EXPECT_EQ(take_calls(), calls{});
-}
-
-TEST_F(ImageButtonTest, constructor_fills_the_slots) {
-    const ux_obj &obj = make("/a.png", "/b.png")->obj;
-    EXPECT_EQ(obj.show, ux_image_button_show);
-    EXPECT_EQ(obj.hide, ux_image_button_hide);
-    EXPECT_EQ(obj.repaint, ux_image_button_repaint);
-    EXPECT_EQ(obj.set_focus, ux_image_button_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_image_button_unset_focus);
-    EXPECT_EQ(obj.set_select, ux_image_button_set_select);
-    EXPECT_EQ(obj.unset_select, ux_image_button_unset_select);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-}
-
-TEST_F(ImageButtonTest, constructor_reports_that_there_is_no_memory) {
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(make("/a.png", "/b.png"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [0] Not enough memory space for image button!\n\n");
 }
 
 TEST_F(ImageButtonTest, null_paths_make_empty_pictures) {

@@ -30,42 +30,11 @@ class ImageLabelTest : public PictureWidgetTest {
 
 } // namespace
 
-TEST_F(ImageLabelTest, constructor_fills_the_record_and_paints_nothing) {
+TEST_F(ImageLabelTest, constructor_copies_the_path_and_paints_nothing) {
     ux_image_label *label = make("/a.png");
-    EXPECT_EQ(label->obj.type, 4u);
-    EXPECT_EQ(label->obj.flags, 0u);
-    EXPECT_EQ(label->obj.status, 0u);
-    EXPECT_EQ(label->obj.x, 2);
-    EXPECT_EQ(label->obj.y, 1);
-    EXPECT_EQ(label->obj.width, 3);
-    EXPECT_EQ(label->obj.height, 2);
-    EXPECT_EQ(label->obj.border, 0);
-    EXPECT_EQ(label->obj.parent, &root()->obj);
     EXPECT_STREQ(label->image, "/a.png");
     EXPECT_EQ(take_calls(), calls{});
     EXPECT_EQ(memory_of(main_screen.buf), std::vector<uint8_t>(16 * 8 * 4));
-}
-
-TEST_F(ImageLabelTest, constructor_fills_the_slots) {
-    const ux_obj &obj = make("/a.png")->obj;
-    EXPECT_EQ(obj.show, ux_image_label_show);
-    EXPECT_EQ(obj.hide, ux_image_label_hide);
-    EXPECT_EQ(obj.repaint, ux_image_label_repaint);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-    for (ux_slot slot : {obj.set_focus, obj.unset_focus, obj.set_select, obj.unset_select})
-        EXPECT_EQ(slot, nullptr);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-}
-
-TEST_F(ImageLabelTest, constructor_reports_that_there_is_no_memory) {
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(make("/a.png"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [0] Not enough memory space for image label!\n\n");
-    EXPECT_EQ(root()->count, 0u);
 }
 
 TEST_F(ImageLabelTest, null_path_makes_an_empty_label) {
@@ -205,6 +174,17 @@ TEST_F(ImageLabelTest, path_that_only_begins_alike_is_another) {
     label->obj.status = UX_ST_FG_SAVED;
     ux_image_label_set_image(label, red.c_str());
     EXPECT_EQ(label->obj.status, 0u);
+}
+
+TEST_F(ImageLabelTest, all_255_bytes_of_a_path_are_compared_and_none_behind_them) {
+    const std::string path(255, 'p');
+    ux_image_label *label = make(path);
+    label->obj.status = UX_ST_FG_SAVED;
+    ux_image_label_set_image(label, (path + "more").c_str());
+    EXPECT_EQ(label->obj.status, UX_ST_FG_SAVED) << "the same once it is cut";
+    ux_image_label_set_image(label, (path.substr(1) + "q").c_str());
+    EXPECT_EQ(label->obj.status, 0u);
+    EXPECT_EQ(label->image[254], 'q');
 }
 
 TEST_F(ImageLabelTest, kept_face_is_used_after_the_flag_is_taken_away) {

@@ -60,43 +60,14 @@ class MemoTest : public PictureWidgetTest {
 
 } // namespace
 
-TEST_F(MemoTest, constructor_fills_the_record_and_paints_nothing) {
+TEST_F(MemoTest, constructor_fills_the_memos_own_fields_and_paints_nothing) {
     ux_memo *memo = ux_memo_new(root(), 2, 1, 8, 6, u"ab");
-    EXPECT_EQ(memo->obj.type, 5u) << "the text button's";
-    EXPECT_EQ(memo->obj.flags, 0x10u);
-    EXPECT_EQ(memo->obj.status, 0u);
-    EXPECT_EQ(memo->obj.x, 2);
-    EXPECT_EQ(memo->obj.y, 1);
-    EXPECT_EQ(memo->obj.width, 8);
-    EXPECT_EQ(memo->obj.height, 6);
-    EXPECT_EQ(memo->obj.border, 0);
-    EXPECT_EQ(memo->obj.alpha, 255u);
-    EXPECT_EQ(memo->obj.bg_backup, nullptr);
-    EXPECT_EQ(memo->obj.top_color, 0xFFFFFFFFu);
-    EXPECT_EQ(memo->obj.right_focus_color, 0xFFFFEE00u);
-    EXPECT_EQ(memo->obj.parent, &root()->obj);
-    EXPECT_EQ(memo->obj.page_id, 0);
     EXPECT_EQ(memo->fg_color, 0xFFAAAAAAu);
     EXPECT_EQ(memo->bg_color, 0xFF000000u);
     EXPECT_EQ(memo->font_size, 16);
     EXPECT_EQ(kept(memo, 3), std::u16string(u"ab\0", 3));
     EXPECT_EQ(take_calls(), calls{});
     EXPECT_EQ(memory_of(main_screen.buf), std::vector<uint8_t>(16 * 8 * 4));
-}
-
-TEST_F(MemoTest, slots_are_the_memos_own_and_those_of_selection_are_null) {
-    const ux_obj &obj = make()->obj;
-    EXPECT_EQ(obj.show, ux_memo_show);
-    EXPECT_EQ(obj.hide, ux_memo_hide);
-    EXPECT_EQ(obj.repaint, ux_memo_repaint);
-    EXPECT_EQ(obj.set_focus, ux_memo_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_memo_unset_focus);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_memo_free);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
 }
 
 TEST_F(MemoTest, record_of_the_hosts_is_filled_whatever_it_held) {
@@ -111,16 +82,6 @@ TEST_F(MemoTest, record_of_the_hosts_is_filled_whatever_it_held) {
     EXPECT_EQ(memo.font_size, 16);
     EXPECT_EQ(kept(&memo, 2), std::u16string(u"a\0", 2));
     free(memo.text);
-}
-
-TEST_F(MemoTest, constructor_reports_that_there_is_no_memory_for_the_record) {
-    ux_error = 7;
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(ux_memo_new(root(), 2, 1, 8, 6, u"a"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [7] Not enough memory space for memo!\n\n");
-    EXPECT_EQ(root()->count, 0u);
 }
 
 TEST_F(MemoTest, memo_without_memory_for_its_text_is_made_and_shows_its_border_only) {

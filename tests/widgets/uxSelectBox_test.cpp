@@ -75,19 +75,6 @@ TEST_F(SelectBoxItemsTest, constructor_fills_the_boxs_own_record) {
     EXPECT_EQ(box->change_handler, nullptr);
 }
 
-TEST_F(SelectBoxItemsTest, slots_are_filled_but_for_selection) {
-    const ux_obj &obj = make()->obj;
-    EXPECT_EQ(obj.show, ux_select_box_show);
-    EXPECT_EQ(obj.hide, ux_select_box_hide);
-    EXPECT_EQ(obj.repaint, ux_select_box_repaint);
-    EXPECT_EQ(obj.set_focus, ux_select_box_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_select_box_unset_focus);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-}
-
 TEST_F(SelectBoxItemsTest, setters_store_and_do_nothing_else) {
     ux_select_box *b = focused({u"A", u"B"});
     const auto set = [&](auto call, auto change) { expect_only(b, call, change); };

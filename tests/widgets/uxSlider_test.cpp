@@ -3,41 +3,6 @@
 
 #include "tests/widgets/slider_test.h"
 
-TEST_F(SliderTest, constructor_fills_the_header) {
-    const ux_obj &obj = ux_slider_bar_new(root(), 1, -2, 30, 40)->obj;
-    EXPECT_EQ(obj.x, 1);
-    EXPECT_EQ(obj.y, -2);
-    EXPECT_EQ(obj.width, 30);
-    EXPECT_EQ(obj.height, 40);
-    EXPECT_EQ(obj.type, 22u);
-    EXPECT_EQ(obj.flags, 0x10u);
-    EXPECT_EQ(obj.status, 0u);
-    EXPECT_EQ(obj.page_id, 0);
-    EXPECT_EQ(obj.border, 0);
-    EXPECT_EQ(obj.alpha, 255u);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-    EXPECT_EQ(obj.bg_backup, nullptr);
-    EXPECT_EQ(obj.parent, &page->container.obj);
-    EXPECT_EQ(obj.top_color, 0xFFFFFFFF);
-    EXPECT_EQ(obj.left_color, 0xFFFFFFFF);
-    EXPECT_EQ(obj.top_focus_color, 0xFFFFEE00);
-    EXPECT_EQ(obj.right_focus_color, 0xFFFFEE00);
-}
-
-TEST_F(SliderTest, slots_are_filled_and_both_select_slots_are_empty) {
-    const ux_obj &obj = make(0, 0, 4, 4)->obj;
-    EXPECT_EQ(obj.show, ux_slider_bar_show);
-    EXPECT_EQ(obj.hide, ux_slider_bar_hide);
-    EXPECT_EQ(obj.repaint, ux_slider_bar_repaint);
-    EXPECT_EQ(obj.set_focus, ux_slider_bar_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_slider_bar_unset_focus);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-}
-
 TEST_F(SliderTest, init_fills_every_field_of_a_record_of_the_hosts_without_an_allocation) {
     ux_slider_bar slider;
     memset(&slider, 0xA5, sizeof slider);
@@ -86,16 +51,6 @@ TEST_F(SliderTest, parent_that_refuses_leaves_no_link_in_a_record_of_the_hosts) 
     EXPECT_EQ(slider.obj.next, nullptr);
     EXPECT_EQ(slider.obj.parent, nullptr);
     EXPECT_EQ(slider.obj.page_id, 0);
-}
-
-TEST_F(SliderTest, lack_of_memory_is_told_in_the_text_fields_words_and_links_nothing) {
-    ux_error = 2;
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(ux_slider_bar_new(root(), 0, 0, 4, 4), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [2] Not enough memory space for text field!\n\n");
-    EXPECT_EQ(page->container.count, 0u);
 }
 
 TEST_F(SliderTest, setters_store_and_do_nothing_else) {

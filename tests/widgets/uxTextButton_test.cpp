@@ -3,29 +3,6 @@
 
 #include "tests/widgets/text_button_test.h"
 
-TEST_F(TextButtonTest, constructor_fills_the_header) {
-    const ux_obj &obj = ux_text_button_new(root(), 1, -2, 30, 40, u"a")->obj;
-    EXPECT_EQ(obj.x, 1);
-    EXPECT_EQ(obj.y, -2);
-    EXPECT_EQ(obj.width, 30);
-    EXPECT_EQ(obj.height, 40);
-    EXPECT_EQ(obj.type, 5u);
-    EXPECT_EQ(obj.flags, 0x10u);
-    EXPECT_EQ(obj.status, 0u);
-    EXPECT_EQ(obj.page_id, 0);
-    EXPECT_EQ(obj.alpha, 255u);
-    EXPECT_EQ(obj.border, 0);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-    EXPECT_EQ(obj.bg_backup, nullptr);
-    EXPECT_EQ(obj.parent, &page->container.obj);
-    for (uint32_t color : {obj.top_color, obj.bottom_color, obj.left_color, obj.right_color})
-        EXPECT_EQ(color, 0xFFFFFFFF);
-    for (uint32_t color :
-         {obj.top_focus_color, obj.bottom_focus_color, obj.left_focus_color, obj.right_focus_color})
-        EXPECT_EQ(color, 0xFFFFEE00);
-}
-
 TEST_F(TextButtonTest, constructor_fills_the_buttons_own_fields) {
     ux_text_button *button = ux_text_button_new(root(), 0, 0, 4, 4, u"ab");
     EXPECT_EQ(std::u16string(button->text), u"ab");
@@ -39,29 +16,6 @@ TEST_F(TextButtonTest, constructor_fills_the_buttons_own_fields) {
     EXPECT_EQ(button->select_focus_bg_color, 0xFF000000);
     EXPECT_EQ(button->font_size, 16);
     EXPECT_EQ(button->style, 4);
-}
-
-TEST_F(TextButtonTest, all_slots_are_filled) {
-    const ux_obj &obj = make(0, 0, 4, 4)->obj;
-    EXPECT_EQ(obj.show, ux_text_button_show);
-    EXPECT_EQ(obj.hide, ux_text_button_hide);
-    EXPECT_EQ(obj.repaint, ux_text_button_repaint);
-    EXPECT_EQ(obj.set_focus, ux_text_button_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_text_button_unset_focus);
-    EXPECT_EQ(obj.set_select, ux_text_button_set_select);
-    EXPECT_EQ(obj.unset_select, ux_text_button_unset_select);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-}
-
-TEST_F(TextButtonTest, constructor_reports_a_lack_of_memory_and_links_nothing) {
-    ux_error = -3;
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(ux_text_button_new(root(), 0, 0, 4, 4, u"a"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [-3] Not enough memory space for text button!\n\n");
-    EXPECT_EQ(page->container.count, 0u);
 }
 
 TEST_F(TextButtonTest, record_of_the_hosts_own_is_filled_without_an_allocation) {

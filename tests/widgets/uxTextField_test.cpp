@@ -66,19 +66,6 @@ TEST_F(TextFieldTest, constructor_fills_the_fields_own_record) {
         EXPECT_EQ(color, 0xFF000000);
 }
 
-TEST_F(TextFieldTest, all_slots_are_filled) {
-    const ux_obj &obj = make()->obj;
-    EXPECT_EQ(obj.show, ux_text_field_show);
-    EXPECT_EQ(obj.hide, ux_text_field_hide);
-    EXPECT_EQ(obj.repaint, ux_text_field_repaint);
-    EXPECT_EQ(obj.set_focus, ux_text_field_set_focus);
-    EXPECT_EQ(obj.unset_focus, ux_text_field_unset_focus);
-    EXPECT_EQ(obj.set_select, ux_text_field_set_select);
-    EXPECT_EQ(obj.unset_select, ux_text_field_unset_select);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-}
-
 TEST_F(TextFieldTest, null_text_makes_an_empty_field) {
     EXPECT_EQ(units_of(make(nullptr), 128), std::u16string(128, u'\0'));
 }

@@ -19,49 +19,11 @@ class TextLabelTest : public WidgetTest {
     }
 };
 
-struct link_record {
-    ux_container *container;
-    ux_obj *obj;
-    ux_obj seen; // the object as it was at the call
-};
-
-link_record s_link;
-
-int note_link(ux_container *container, ux_obj *obj) {
-    s_link = {container, obj, *obj};
-    obj->next = &container->obj;
-    obj->parent = &container->obj;
-    return 0;
-}
-
 } // namespace
 
 static_assert(offsetof(ux_text_label, obj) == 0 && offsetof(ux_text_button, obj) == 0,
               "a widget's address is its object's");
 static_assert(sizeof(ux_text_label::text) == 256 && sizeof(ux_text_button::text) == 256);
-
-TEST_F(TextLabelTest, constructor_fills_the_header) {
-    ux_text_label *label = ux_text_label_new(root(), 1, -2, 30, 40, u"a");
-    const ux_obj &obj = label->obj;
-    EXPECT_EQ(obj.x, 1);
-    EXPECT_EQ(obj.y, -2);
-    EXPECT_EQ(obj.width, 30);
-    EXPECT_EQ(obj.height, 40);
-    EXPECT_EQ(obj.type, 3u);
-    EXPECT_EQ(obj.flags, 0u);
-    EXPECT_EQ(obj.status, 0u);
-    EXPECT_EQ(obj.alpha, 255u);
-    EXPECT_EQ(obj.border, 0);
-    EXPECT_EQ(obj.handler, nullptr);
-    EXPECT_EQ(obj.handler_data, nullptr);
-    EXPECT_EQ(obj.bg_backup, nullptr);
-    EXPECT_EQ(obj.fg_backup, nullptr);
-    for (uint32_t color : {obj.top_color, obj.bottom_color, obj.left_color, obj.right_color})
-        EXPECT_EQ(color, 0xFFFFFFFF);
-    for (uint32_t color :
-         {obj.top_focus_color, obj.bottom_focus_color, obj.left_focus_color, obj.right_focus_color})
-        EXPECT_EQ(color, 0xFFFFEE00);
-}
 
 TEST_F(TextLabelTest, constructor_fills_the_labels_own_fields) {
     ux_text_label *label = ux_text_label_new(root(), 0, 0, 4, 4, u"ab");
@@ -70,68 +32,6 @@ TEST_F(TextLabelTest, constructor_fills_the_labels_own_fields) {
     EXPECT_EQ(label->bg_color, 0xFF000000);
     EXPECT_EQ(label->font_size, 16);
     EXPECT_EQ(label->style, 4);
-}
-
-TEST_F(TextLabelTest, slots_are_the_labels_own_and_those_of_focus_and_selection_are_null) {
-    const ux_obj &obj = ux_text_label_new(root(), 0, 0, 4, 4, u"")->obj;
-    EXPECT_EQ(obj.show, ux_text_label_show);
-    EXPECT_EQ(obj.hide, ux_text_label_hide);
-    EXPECT_EQ(obj.repaint, ux_text_label_repaint);
-    EXPECT_EQ(obj.get_status, ux_obj_get_status);
-    EXPECT_EQ(obj.free, ux_obj_free);
-    EXPECT_EQ(obj.set_focus, nullptr);
-    EXPECT_EQ(obj.unset_focus, nullptr);
-    EXPECT_EQ(obj.set_select, nullptr);
-    EXPECT_EQ(obj.unset_select, nullptr);
-}
-
-TEST_F(TextLabelTest, label_is_linked_as_its_parents_newest_child) {
-    main_screen.page_count = 3; // the next page is no. 3
-    ux_page *third = new_page();
-    ux_text_label *older = ux_text_label_new(&third->container, 0, 0, 4, 4, u"");
-    ux_text_label *newer = ux_text_label_new(&third->container, 0, 0, 4, 4, u"");
-    EXPECT_EQ(third->container.children, &newer->obj);
-    EXPECT_EQ(newer->obj.next, &older->obj);
-    EXPECT_EQ(older->obj.next, nullptr);
-    EXPECT_EQ(newer->obj.parent, &third->container.obj);
-    EXPECT_EQ(newer->obj.page_id, 3);
-    EXPECT_EQ(third->container.count, 2u);
-}
-
-TEST_F(TextLabelTest, label_without_parent_belongs_to_no_page) {
-    ux_text_label *label = ux_text_label_new(nullptr, 0, 0, 4, 4, u"");
-    EXPECT_EQ(label->obj.page_id, -1);
-    EXPECT_EQ(label->obj.next, nullptr);
-    EXPECT_EQ(label->obj.parent, nullptr);
-    label->obj.free(&label->obj);
-}
-
-TEST_F(TextLabelTest, parents_own_add_obj_is_called_before_the_defaults_and_its_links_stay) {
-    ux_container *parent = ux_container_new(root(), 0, 0, 8, 8);
-    parent->add_obj = note_link;
-    ux_text_label *label = ux_text_label_new(parent, 1, 2, 3, 4, u"a");
-    EXPECT_EQ(s_link.container, parent);
-    EXPECT_EQ(s_link.obj, &label->obj);
-    EXPECT_EQ(s_link.seen.x, 1);
-    EXPECT_EQ(s_link.seen.type, 3u);
-    EXPECT_EQ(s_link.seen.page_id, 0);
-    EXPECT_EQ(s_link.seen.alpha, 0u);
-    EXPECT_EQ(s_link.seen.show, nullptr);
-    EXPECT_EQ(s_link.seen.top_color, 0u);
-    EXPECT_EQ(label->obj.next, &parent->obj);
-    EXPECT_EQ(label->obj.parent, &parent->obj);
-    label->obj.free(&label->obj);
-}
-
-TEST_F(TextLabelTest, constructor_reports_a_lack_of_memory_and_links_nothing) {
-    ux_error = 7;
-    hooks::fail_allocation(1);
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(ux_text_label_new(root(), 0, 0, 4, 4, u"a"), nullptr);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Error: [7] Not enough memory space for text label!\n\n");
-    EXPECT_EQ(page->container.count, 0u);
-    EXPECT_EQ(ux_error, 7);
 }
 
 TEST_F(TextLabelTest, setters_store_and_do_nothing_else) {
