@@ -67,10 +67,10 @@ int ux_screen_repaint() noexcept {
     return 0;
 }
 
-// The page is looked up after the leaving one's callback, which may have made it.
+// The page that is entered is looked up once more: leaving the old one may have replaced it.
 int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) noexcept {
     ux_page *left = ux_current_page();
-    if (left && left->on_leave)
+    if (ux::page_at(index) && left && left->on_leave)
         left->on_leave(left, a, b, c);
     main_screen.current_page = index;
     ux_page *entered = ux_current_page();

@@ -281,10 +281,9 @@ UX_API int ux_screen_show_all(void) UX_NOEXCEPT;
 UX_API int ux_screen_repaint(void) UX_NOEXCEPT;
 
 /* Calls the current page's on_leave with `a`, `b`, `c`, makes page `index` current, calls its
- * on_enter and then repaints it, which takes 1 second. The page may be made in the on_leave. The
- * current page is left and entered too. Nothing is marked hidden, each page keeps its focus, and
- * clocks and timers of the page that is left go on. An index without a page is stored, and nothing
- * is entered or painted. Returns 0. */
+ * on_enter and then repaints it, which takes 1 second. The current page is left and entered too.
+ * Nothing is marked hidden, each page keeps its focus, and clocks and timers of the page that is
+ * left go on. An index without a page is stored and nothing is called or painted. Returns 0. */
 UX_API int ux_switch_page(int index, intptr_t a, intptr_t b, intptr_t c) UX_NOEXCEPT;
 
 /* Copies a rectangle (pixels) of `buf` to `fb`, turned when the display is rotated; what lies
