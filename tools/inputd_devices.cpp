@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
-#include <utility>
 
 #include <fcntl.h>
 #include <libevdev/libevdev.h>
@@ -20,6 +19,7 @@
 namespace ux::inputd {
 
 using sim::failure;
+using sim::owned_fd;
 using sim::system_reason;
 
 namespace {
@@ -39,19 +39,6 @@ axis_range range_of(const libevdev *device, unsigned axis) {
 }
 
 } // namespace
-
-owned_fd::owned_fd(owned_fd &&other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
-
-owned_fd &owned_fd::operator=(owned_fd &&other) noexcept {
-    std::swap(m_fd, other.m_fd);
-    return *this;
-}
-
-owned_fd::~owned_fd() {
-    if (m_fd != -1) {
-        close(m_fd);
-    }
-}
 
 void input_device::deleter::operator()(libevdev *device) const {
     libevdev_free(device);

@@ -4,6 +4,7 @@
 
 #include "tools/inputd_events.h"
 #include "tools/inputd_keys.h"
+#include "tools/owned_fd.h"
 
 #include <memory>
 #include <optional>
@@ -15,20 +16,6 @@
 struct libevdev;
 
 namespace ux::inputd {
-
-// A file descriptor that is closed at the end.
-class owned_fd {
-  public:
-    explicit owned_fd(int fd = -1) : m_fd(fd) {}
-    owned_fd(owned_fd &&other) noexcept;
-    owned_fd &operator=(owned_fd &&other) noexcept;
-    ~owned_fd();
-
-    int get() const { return m_fd; }
-
-  private:
-    int m_fd; // -1 = none
-};
 
 class input_device {
   public:
@@ -57,7 +44,7 @@ class input_device {
     };
 
     std::string m_path;
-    owned_fd m_fd;
+    sim::owned_fd m_fd;
     std::unique_ptr<libevdev, deleter> m_device;
     bool m_catching_up = false; // events were lost: the library tells what has changed meanwhile
 };
@@ -77,7 +64,7 @@ class device_folder {
 
   private:
     std::string m_path;
-    owned_fd m_fd;
+    sim::owned_fd m_fd;
 };
 
 // The visible size of a framebuffer. Throws failure.

@@ -12,10 +12,14 @@ namespace ux::sim {
 namespace {
 
 constexpr size_t k_most_waiting = 32;
+constexpr std::chrono::seconds k_patience{5}; // with a host that takes nothing
 
 } // namespace
 
 void paced_sender::post(const input_message &message) {
+    if (m_waiting.empty()) {
+        m_waiting_since = clock::now();
+    }
     if (m_waiting.size() < k_most_waiting) {
         m_waiting.push_back(message);
     }
@@ -29,7 +33,11 @@ void paced_sender::step(clock::time_point now) {
         if (send(m_waiting.front())) {
             m_waiting.pop_front();
             m_last_sent = now;
+            m_waiting_since = now;
             m_complaint.clear();
+        } else if (now - m_waiting_since > k_patience) {
+            throw failure("nobody takes the input from the queue for " + m_queue_path +
+                          "; is the host running?");
         }
     } catch (const failure &error) {
         m_waiting.clear();

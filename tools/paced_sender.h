@@ -24,8 +24,8 @@ class paced_sender {
     void post(const input_message &message);
 
     // To be called often. The queue is looked up anew for each message, since hosts come and go;
-    // while there is none, messages are dropped. Never throws failure: its text goes to standard
-    // error, once for a row of equal ones.
+    // while there is none, or nobody takes anything from it for seconds, messages are dropped.
+    // Never throws failure: its text goes to standard error, once for a row of equal ones.
     void step(clock::time_point now);
 
     bool idle() const { return m_waiting.empty(); }
@@ -38,7 +38,8 @@ class paced_sender {
     std::string m_queue_path;
     std::deque<input_message> m_waiting;
     clock::time_point m_last_sent;
-    std::string m_complaint; // the last one
+    clock::time_point m_waiting_since; // for the first of them to be sent
+    std::string m_complaint;           // the last one
 };
 
 } // namespace ux::sim

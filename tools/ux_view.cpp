@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // ux-view: shows a screen over VNC and in browsers, and sends keys and touches back.
 #include "sim/failure.h"
+#include "tools/end_signals.h"
+#include "tools/paced_sender.h"
 #include "tools/view_options.h"
 #include "tools/view_server.h"
 #include "tools/view_web.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -21,28 +22,6 @@ using ux::sim::steady;
 constexpr microseconds k_look_interval{16667}; // 60 a second
 constexpr milliseconds k_idle_interval{500};   // nobody looks
 
-volatile std::sig_atomic_t s_end_signal = 0;
-
-void on_signal(int number) {
-    s_end_signal = number;
-}
-
-// Blocks the signals that end the program; the result is the mask under which they arrive.
-sigset_t hold_signals() {
-    sigset_t ending;
-    sigset_t before;
-    sigemptyset(&ending);
-    struct sigaction action {};
-    action.sa_handler = on_signal;
-    for (int number : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&ending, number);
-        sigaction(number, &action, nullptr);
-    }
-    sigprocmask(SIG_BLOCK, &ending, &before);
-    std::signal(SIGPIPE, SIG_IGN);
-    return before;
-}
-
 timespec time_until(steady::time_point then) {
     const auto left = std::max(then - steady::now(), steady::duration::zero());
     const auto nanoseconds = std::chrono::duration_cast<std::chrono::nanoseconds>(left).count();
@@ -52,7 +31,7 @@ timespec time_until(steady::time_point then) {
 
 struct services {
     frame_source &source;
-    view_input &input;
+    ux::sim::paced_sender &input;
     view_server &vnc;
     std::optional<web_server> &web;
 };
@@ -73,7 +52,7 @@ void wait(const services &all, steady::time_point until, const sigset_t &mask) {
 
 int show(const services &all, const sigset_t &mask) {
     steady::time_point next = steady::now();
-    while (s_end_signal == 0) {
+    while (ux::sim::end_signal() == 0) {
         const auto now = steady::now();
         if (now >= next) {
             all.source.check();
@@ -92,7 +71,7 @@ int show(const services &all, const sigset_t &mask) {
         }
         wait(all, next, mask);
     }
-    return ux::sim::k_status_signal_base + s_end_signal;
+    return ux::sim::k_status_signal_base + ux::sim::end_signal();
 }
 
 std::optional<web_server> serve_page(const view_request &request, int vnc_port) {
@@ -123,9 +102,10 @@ int run_view(int argc, char **argv) {
         return std::fflush(stdout) == 0 ? ux::sim::k_status_ok : ux::sim::k_status_failed;
     }
     const view_request &request = *asked.request;
-    const sigset_t mask = hold_signals();
+    const sigset_t mask = ux::sim::hold_end_signals();
     const auto source = open_source(request.source);
-    view_input input(request.queue_path.empty() ? source->queue_path() : request.queue_path);
+    ux::sim::paced_sender input("ux-view", request.queue_path.empty() ? source->queue_path()
+                                                                      : request.queue_path);
     auto sockets = listen_at(request.addresses, request.port);
     for (const listener &socket : sockets) {
         std::printf("vnc %s\n", address_with_port(socket.address(), socket.port()).c_str());

@@ -2,7 +2,7 @@
 // Sockets that wait for viewers: at which addresses, and with which of them a password is a must.
 #pragma once
 
-#include "tools/view_fd.h"
+#include "tools/owned_fd.h"
 
 #include <optional>
 #include <string>
@@ -30,7 +30,7 @@ class listener {
 
   private:
     std::string m_address;
-    owned_fd m_fd;
+    sim::owned_fd m_fd;
     int m_port;
 };
 

@@ -61,8 +61,9 @@ view_server::viewer_process::~viewer_process() {
     waitpid(process, nullptr, 0);
 }
 
-view_server::view_server(frame_source &source, view_input &input, std::vector<listener> sockets,
-                         const std::string &name, const std::string &password)
+view_server::view_server(frame_source &source, sim::paced_sender &input,
+                         std::vector<listener> sockets, const std::string &name,
+                         const std::string &password)
     : m_source(source), m_input(input), m_sockets(std::move(sockets)), m_picture(source.layout()),
       m_watch(m_picture), m_name(name), m_password(password) {}
 
@@ -130,7 +131,7 @@ void view_server::take_newcomers() {
             if (fd == -1) {
                 break;
             }
-            const owned_fd connection(fd);
+            const sim::owned_fd connection(fd);
             if (count(true) < k_most_viewers) {
                 make_room_at_the_door();
                 start_process(fd);
@@ -156,8 +157,8 @@ void view_server::start_process(int connection) {
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair.data()) != 0) {
         return; // no descriptor is free: the viewer is turned away
     }
-    owned_fd ours(pair[0]);
-    const owned_fd theirs(pair[1]);
+    sim::owned_fd ours(pair[0]);
+    const sim::owned_fd theirs(pair[1]);
     const pid_t home = getpid();
     const pid_t process = fork();
     if (process == 0) {

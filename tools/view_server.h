@@ -3,8 +3,8 @@
 // on their keys and touches.
 #pragma once
 
-#include "tools/view_fd.h"
-#include "tools/view_input.h"
+#include "tools/owned_fd.h"
+#include "tools/paced_sender.h"
 #include "tools/view_listener.h"
 #include "tools/view_picture.h"
 #include "tools/view_source.h"
@@ -23,7 +23,7 @@ namespace ux::view {
 class view_server {
   public:
     // An empty password asks for none. Throws failure.
-    view_server(frame_source &source, view_input &input, std::vector<listener> sockets,
+    view_server(frame_source &source, sim::paced_sender &input, std::vector<listener> sockets,
                 const std::string &name, const std::string &password);
     view_server(const view_server &) = delete;
     view_server &operator=(const view_server &) = delete;
@@ -44,14 +44,14 @@ class view_server {
   private:
     // Ends with its owner.
     struct viewer_process {
-        viewer_process(pid_t number, owned_fd &&socket)
+        viewer_process(pid_t number, sim::owned_fd &&socket)
             : process(number), channel(std::move(socket)) {}
         viewer_process(const viewer_process &) = delete;
         viewer_process &operator=(const viewer_process &) = delete;
         ~viewer_process();
 
         pid_t process;
-        owned_fd channel;
+        sim::owned_fd channel;
         bool is_in = false; // else at the door
     };
 
@@ -62,7 +62,7 @@ class view_server {
     void start_process(int connection);
 
     frame_source &m_source;
-    view_input &m_input;
+    sim::paced_sender &m_input;
     std::vector<listener> m_sockets;
     view_picture m_picture;
     view_watch m_watch;

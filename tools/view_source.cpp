@@ -5,7 +5,7 @@
 #include "sim/failure.h"
 #include "sim/input_queue.h"
 #include "sim/screen_note.h"
-#include "tools/view_fd.h"
+#include "tools/owned_fd.h"
 
 #include <cerrno>
 
@@ -88,7 +88,7 @@ class simulator_source : public frame_source {
         if (m_process.get() == -1) {
             throw failure("the simulator of " + folder + " has ended");
         }
-        const owned_fd memory(open_for_reading(m_note.memory));
+        const sim::owned_fd memory(open_for_reading(m_note.memory));
         const size_t bytes = sealed_bytes(m_note.memory, memory.get(), m_note.shape.bytes());
         m_mapping = std::make_unique<read_mapping>(m_note.memory, memory.get(), bytes);
     }
@@ -109,7 +109,7 @@ class simulator_source : public frame_source {
   private:
     sim::screen_note m_note;
     frame_layout m_layout;
-    owned_fd m_process; // readable once the simulator has ended
+    sim::owned_fd m_process; // readable once the simulator has ended
     std::unique_ptr<read_mapping> m_mapping;
 };
 
@@ -190,7 +190,7 @@ class device_source : public frame_source {
     }
 
     std::string m_path;
-    owned_fd m_fd;
+    sim::owned_fd m_fd;
     frame_layout m_layout;
     size_t m_start = 0; // of the memory in the mapping
     size_t m_bytes = 0; // of the memory

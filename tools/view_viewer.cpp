@@ -3,9 +3,9 @@
 #include "tools/view_viewer.h"
 
 #include "sim/failure.h"
+#include "tools/owned_fd.h"
 #include "tools/view_door.h"
-#include "tools/view_fd.h"
-#include "tools/view_input.h"
+#include "tools/view_keys.h"
 
 #include <algorithm>
 #include <array>
@@ -130,7 +130,7 @@ void viewer::admit_silent_one() {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair.data()) != 0) {
         throw sim::failure(sim::system_reason("cannot make a pair of sockets"));
     }
-    const owned_fd ours(pair[0]);
+    const sim::owned_fd ours(pair[0]);
     const int theirs = pair[1]; // the library's
     send(ours.get(), "RFB ", 4, MSG_NOSIGNAL);
     rfbNewClient(m_screen, theirs);

@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-namespace ux::view {
+namespace ux::sim {
 
 class owned_fd {
   public:
@@ -28,4 +28,4 @@ class owned_fd {
     int m_fd; // -1 = none
 };
 
-} // namespace ux::view
+} // namespace ux::sim
