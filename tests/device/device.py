@@ -3,9 +3,10 @@
 """Runs 02-buttons on a real kernel framebuffer in QEMU and compares the screen with the simulator.
 
 The kernel is Debian's own, unpacked from its package; nothing is installed. The guest holds the
-drivers of display and network, a shell, the example, ux-remote, ux-view and the libraries they
-need. Keys go in at the real message queue, from ux-remote and from a viewer outside that knows
-ux-view's password; pictures come out of the emulated display and, the same, to the viewer.
+drivers of display, keyboard and network, a shell, the example, the tools and the libraries they
+need. Keys go in at the real message queue: from ux-remote, from the emulated keyboard by way of
+ux-inputd, and from a viewer outside that knows ux-view's password. Pictures come out of the
+emulated display and, the same, to the viewer.
 
 Exit status: 0 all pictures equal, 1 a difference or a failure, 2 wrong use or something missing.
 """
@@ -31,10 +32,11 @@ MODULES = {
     "drm_ttm_helper": "gpu/drm/drm_ttm_helper.ko",
     "drm_vram_helper": "gpu/drm/drm_vram_helper.ko",
     "bochs": "gpu/drm/tiny/bochs.ko",
+    "evdev": "input/evdev.ko",
     "e1000": "net/ethernet/intel/e1000/e1000.ko",
 }
 COMMANDS = ["sh", "mount", "mkdir", "insmod", "sleep", "poweroff", "echo", "cat", "ifconfig"]
-PROGRAMS = ["02-buttons", "ux-remote", "ux-view"]
+PROGRAMS = ["02-buttons", "ux-remote", "ux-inputd", "ux-view"]
 GUEST_ADDRESS, GUEST_VNC_PORT = "10.0.2.15", 5900  # as init.sh has them
 PASSWORD = b"picture"  # as init.sh has it
 KEY_SYMBOLS = {"right": 0xFF53, "down": 0xFF54, "ok": 0xFF0D}
@@ -111,8 +113,8 @@ class Monitor:
                 fail("the emulator's monitor has gone")
             text += got
 
-    def screendump(self, path):
-        self.socket.sendall(f"screendump {path}\n".encode())
+    def do(self, command):
+        self.socket.sendall(f"{command}\n".encode())
         self.answer()
 
 
@@ -159,8 +161,10 @@ def obey(line, outside, pictures):
         outside["monitor"] = Monitor(outside["monitor path"])
         outside["viewer"] = Viewer(outside["port"])
     if word == "picture":
-        outside["monitor"].screendump(pictures / f"{name}.ppm")
+        outside["monitor"].do(f"screendump {pictures / name}.ppm")
         outside["viewer"].shoot(pictures / f"{name}-viewer.ppm", pictures / f"{name}.ppm")
+    elif word == "type":
+        outside["monitor"].do(f"sendkey {name}")
     else:
         outside["viewer"].press(name)
 
@@ -186,7 +190,7 @@ def run_guest(work, image, archive, pictures):
                 continue
             said.append(found.group(1).strip())
             print("guest:", said[-1], flush=True)
-            if re.fullmatch(r"(picture|press) \S+", said[-1]):
+            if re.fullmatch(r"(picture|press|type) \S+", said[-1]):
                 obey(said[-1], outside, pictures)
                 guest.stdin.write("go\n")
                 guest.stdin.flush()
@@ -248,7 +252,8 @@ def main():
         image, modules = unpack_kernel(work)
         archive = make_guest(work, build, modules)
         said = run_guest(work, image, archive, options.pictures.resolve())
-        for line in ["host ended with 0", "viewer ended with 143", "done"]:  # 143: by SIGTERM
+        for line in ["host ended with 0", "input driver ended with 143", "viewer ended with 143",
+                     "done"]:  # 143: by SIGTERM
             if line not in said:
                 fail(f"the guest did not say '{line}'")
         if not compare(options.pictures.resolve(), shoot_in_simulator(build, work)):

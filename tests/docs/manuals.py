@@ -12,7 +12,8 @@ from pathlib import Path
 import samples
 
 ROOT = samples.project.ROOT
-MANUALS = {"ux-sim": "sim/ux-sim.1", "ux-remote": "tools/ux-remote.1", "ux-view": "tools/ux-view.1"}
+MANUALS = {"ux-sim": "sim/ux-sim.1", "ux-remote": "tools/ux-remote.1",
+           "ux-inputd": "tools/ux-inputd.1", "ux-view": "tools/ux-view.1"}
 STEPS_OF = "ux-sim"
 
 OPTION = re.compile(r"--([a-z][a-z-]*)")
@@ -22,7 +23,7 @@ SCRIPTS = re.compile(r"^\.Sh SCRIPTS$(.*?)^\.Sh ", re.M | re.S)
 STEP = re.compile(r"^\.It Cm ((?:[a-z]+ ?)+)", re.M)
 HELPED_STEPS = re.compile(r"^Script verbs.*", re.M | re.S)
 # The part of a command line that is the tool's own: what follows "--" is the host's.
-COMMAND = re.compile(r"\b(ux-sim|ux-remote|ux-view)((?:\\\n|[^\n|&;])*)")
+COMMAND = re.compile(r"\b(ux-sim|ux-remote|ux-inputd|ux-view)((?:\\\n|[^\n|&;])*)")
 
 
 def help_of(tool):
