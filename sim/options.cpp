@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Reading ux-sim's command line with getopt_long.
+// Reading ux-sim's command line.
 #include "sim/options.h"
 
+#include "sim/command_options.h"
 #include "sim/failure.h"
 #include "sim/number.h"
 
 #include <array>
 #include <ctime>
-
-#include <getopt.h>
 
 namespace ux::sim {
 
@@ -49,8 +48,8 @@ Script verbs, one a line; '#' starts a comment:
   wait until MS        (since the run began)
 )";
 
-enum option_code { // beyond the letters
-    o_size = 256,
+enum option_code {
+    o_size = k_first_option,
     o_format,
     o_window,
     o_headless,
@@ -66,11 +65,9 @@ enum option_code { // beyond the letters
     o_date,
     o_stall,
     o_verbose,
-    o_help,
-    o_version,
 };
 
-constexpr std::array<option, 19> k_options = {{
+constexpr std::array<option, 16> k_options = {{
     {"size", required_argument, nullptr, o_size},
     {"format", required_argument, nullptr, o_format},
     {"window", no_argument, nullptr, o_window},
@@ -87,9 +84,6 @@ constexpr std::array<option, 19> k_options = {{
     {"date", required_argument, nullptr, o_date},
     {"stall", required_argument, nullptr, o_stall},
     {"verbose", no_argument, nullptr, o_verbose},
-    {"help", no_argument, nullptr, o_help},
-    {"version", no_argument, nullptr, o_version},
-    {nullptr, 0, nullptr, 0},
 }};
 
 [[noreturn]] void refuse(const std::string &text) {
@@ -226,27 +220,11 @@ void apply(int code, const std::string &argument, options &run) {
 
 command_line parse_command_line(int argc, char **argv) {
     options run;
-    optind = 0; // a fresh scan, also for the second call in one process
-    opterr = 0;
-    for (;;) {
-        int at = optind == 0 ? 1 : optind;
-        int code = getopt_long(argc, argv, "+:", k_options.data(), nullptr);
-        if (code == -1) {
-            break;
-        }
-        if (code == '?') {
-            refuse(std::string("unknown option or stray argument in '") + argv[at] + "'");
-        }
-        if (code == ':') {
-            refuse(std::string("'") + argv[at] + "' wants an argument");
-        }
-        if (code == o_help) {
-            return {.run = std::nullopt, .text = k_help};
-        }
-        if (code == o_version) {
-            return {.run = std::nullopt, .text = "ux-sim " UX_VERSION "\n"};
-        }
-        apply(code, optarg == nullptr ? "" : optarg, run);
+    const auto text =
+        scan_options({"ux-sim", k_help, UX_VERSION}, k_options, option_places::first, argc, argv,
+                     [&run](int code, const std::string &argument) { apply(code, argument, run); });
+    if (text) {
+        return {.run = std::nullopt, .text = *text};
     }
     run.host.assign(argv + optind, argv + argc);
     if (run.virtual_time && run.script.empty() && run.display == display_choice::window) {

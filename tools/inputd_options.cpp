@@ -2,12 +2,11 @@
 // Reading ux-inputd's command line.
 #include "tools/inputd_options.h"
 
+#include "sim/command_options.h"
 #include "sim/failure.h"
 #include "sim/number.h"
 
 #include <array>
-
-#include <getopt.h>
 
 namespace ux::inputd {
 
@@ -29,25 +28,20 @@ touch panel does. Without a DEVICE: of all below /dev/input, those that come lat
   --help, --version
 )";
 
-enum option_code { // beyond the letters
-    o_queue_path = 256,
+enum option_code {
+    o_queue_path = sim::k_first_option,
     o_key,
     o_size,
     o_grab,
     o_verbose,
-    o_help,
-    o_version,
 };
 
-constexpr std::array<option, 8> k_options = {{
+constexpr std::array<option, 5> k_options = {{
     {"queue-path", required_argument, nullptr, o_queue_path},
     {"key", required_argument, nullptr, o_key},
     {"size", required_argument, nullptr, o_size},
     {"grab", no_argument, nullptr, o_grab},
     {"verbose", no_argument, nullptr, o_verbose},
-    {"help", no_argument, nullptr, o_help},
-    {"version", no_argument, nullptr, o_version},
-    {nullptr, 0, nullptr, 0},
 }};
 
 [[noreturn]] void refuse(const std::string &text) {
@@ -68,7 +62,7 @@ screen_size read_size(const std::string &text) {
            text + "'");
 }
 
-void apply(int code, const char *argument, inputd_request &request) {
+void apply(int code, const std::string &argument, inputd_request &request) {
     switch (code) {
     case o_queue_path:
         request.queue_path = argument;
@@ -93,26 +87,14 @@ void apply(int code, const char *argument, inputd_request &request) {
 
 inputd_command parse_inputd_command(int argc, char **argv) {
     inputd_request request;
-    optind = 0; // a fresh scan, also for the second call in one process
-    opterr = 0;
-    for (;;) {
-        const int code = getopt_long(argc, argv, ":", k_options.data(), nullptr);
-        switch (code) {
-        case -1:
-            request.devices.assign(argv + optind, argv + argc);
-            return {.request = request, .text = {}};
-        case o_help:
-            return {.request = std::nullopt, .text = k_help};
-        case o_version:
-            return {.request = std::nullopt, .text = "ux-inputd " UX_VERSION "\n"};
-        case ':':
-            refuse(std::string("'") + argv[optind - 1] + "' wants an argument");
-        case '?':
-            refuse(std::string("unknown option or stray argument in '") + argv[optind - 1] + "'");
-        default:
-            apply(code, optarg, request);
-        }
+    const auto text = sim::scan_options(
+        {"ux-inputd", k_help, UX_VERSION}, k_options, sim::option_places::anywhere, argc, argv,
+        [&request](int code, const std::string &argument) { apply(code, argument, request); });
+    if (text) {
+        return {.request = std::nullopt, .text = *text};
     }
+    request.devices.assign(argv + optind, argv + argc);
+    return {.request = request, .text = {}};
 }
 
 } // namespace ux::inputd

@@ -2,6 +2,7 @@
 // Reading ux-remote's command line and turning it into messages.
 #include "tools/remote_options.h"
 
+#include "sim/command_options.h"
 #include "sim/failure.h"
 #include "sim/keys.h"
 #include "sim/multitap.h"
@@ -10,8 +11,6 @@
 #include <array>
 #include <limits>
 #include <span>
-
-#include <getopt.h>
 
 namespace ux::sim {
 
@@ -111,14 +110,11 @@ std::vector<timed_message> messages_for(words command, milliseconds pace) {
     return typed(command.subspan(1), pace);
 }
 
-enum option_code { o_queue_path = 256, o_pace, o_help, o_version }; // beyond the letters
+enum option_code { o_queue_path = k_first_option, o_pace };
 
-constexpr std::array<option, 5> k_options = {{
+constexpr std::array<option, 2> k_options = {{
     {"queue-path", required_argument, nullptr, o_queue_path},
     {"pace", required_argument, nullptr, o_pace},
-    {"help", no_argument, nullptr, o_help},
-    {"version", no_argument, nullptr, o_version},
-    {nullptr, 0, nullptr, 0},
 }};
 
 milliseconds read_pace(const std::string &text) {
@@ -132,36 +128,24 @@ milliseconds read_pace(const std::string &text) {
 
 } // namespace
 
-// "+": options come first, so that a negative coordinate is none.
+// Options come first, so that a negative coordinate is none.
 remote_command parse_remote_command(int argc, char **argv) {
     remote_request request;
     milliseconds pace = k_default_pace;
-    optind = 0; // a fresh scan, also for the second call in one process
-    opterr = 0;
-    for (;;) {
-        int at = optind == 0 ? 1 : optind;
-        int code = getopt_long(argc, argv, "+:", k_options.data(), nullptr);
-        switch (code) {
-        case -1:
-            request.messages =
-                messages_for(words(argv + optind, static_cast<size_t>(argc - optind)), pace);
-            return {.request = request, .text = {}};
-        case o_help:
-            return {.request = std::nullopt, .text = help()};
-        case o_version:
-            return {.request = std::nullopt, .text = "ux-remote " UX_VERSION "\n"};
-        case o_queue_path:
-            request.queue_path = optarg;
-            break;
-        case o_pace:
-            pace = read_pace(optarg);
-            break;
-        case ':':
-            refuse(std::string("'") + argv[at] + "' wants an argument");
-        default:
-            refuse(std::string("unknown option or stray argument in '") + argv[at] + "'");
-        }
+    const auto text =
+        scan_options({"ux-remote", help(), UX_VERSION}, k_options, option_places::first, argc, argv,
+                     [&](int code, const std::string &argument) {
+                         if (code == o_queue_path) {
+                             request.queue_path = argument;
+                         } else {
+                             pace = read_pace(argument);
+                         }
+                     });
+    if (text) {
+        return {.request = std::nullopt, .text = *text};
     }
+    request.messages = messages_for(words(argv + optind, static_cast<size_t>(argc - optind)), pace);
+    return {.request = request, .text = {}};
 }
 
 } // namespace ux::sim

@@ -2,6 +2,7 @@
 // Reading ux-view's command line, the password's file included.
 #include "tools/view_options.h"
 
+#include "sim/command_options.h"
 #include "sim/failure.h"
 #include "sim/number.h"
 #include "tools/view_listener.h"
@@ -11,8 +12,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-
-#include <getopt.h>
 
 namespace ux::view {
 
@@ -41,8 +40,8 @@ Shows a screen over VNC and in browsers, and sends keys and touches back: the fr
   --help, --version
 )";
 
-enum option_code { // beyond the letters
-    o_port = 256,
+enum option_code {
+    o_port = sim::k_first_option,
     o_web_port,
     o_web_root,
     o_web,
@@ -50,11 +49,9 @@ enum option_code { // beyond the letters
     o_listen,
     o_password_file,
     o_queue_path,
-    o_help,
-    o_version,
 };
 
-constexpr std::array<option, 11> k_options = {{
+constexpr std::array<option, 8> k_options = {{
     {"port", required_argument, nullptr, o_port},
     {"web-port", required_argument, nullptr, o_web_port},
     {"web-root", required_argument, nullptr, o_web_root},
@@ -63,9 +60,6 @@ constexpr std::array<option, 11> k_options = {{
     {"listen", required_argument, nullptr, o_listen},
     {"password-file", required_argument, nullptr, o_password_file},
     {"queue-path", required_argument, nullptr, o_queue_path},
-    {"help", no_argument, nullptr, o_help},
-    {"version", no_argument, nullptr, o_version},
-    {nullptr, 0, nullptr, 0},
 }};
 
 [[noreturn]] void refuse(const std::string &text) {
@@ -178,27 +172,15 @@ void read_source(int argc, char **argv, view_request &request) {
 
 view_command parse_view_command(int argc, char **argv) {
     view_request request;
-    optind = 0; // a fresh scan, also for the second call in one process
-    opterr = 0;
-    for (;;) {
-        int code = getopt_long(argc, argv, ":", k_options.data(), nullptr);
-        switch (code) {
-        case -1:
-            read_source(argc, argv, request);
-            check(request);
-            return {.request = request, .text = {}};
-        case o_help:
-            return {.request = std::nullopt, .text = k_help};
-        case o_version:
-            return {.request = std::nullopt, .text = "ux-view " UX_VERSION "\n"};
-        case ':':
-            refuse(std::string("'") + argv[optind - 1] + "' wants an argument");
-        case '?':
-            refuse(std::string("unknown option or stray argument in '") + argv[optind - 1] + "'");
-        default:
-            apply(code, optarg == nullptr ? "" : optarg, request);
-        }
+    const auto text = sim::scan_options(
+        {"ux-view", k_help, UX_VERSION}, k_options, sim::option_places::anywhere, argc, argv,
+        [&request](int code, const std::string &argument) { apply(code, argument, request); });
+    if (text) {
+        return {.request = std::nullopt, .text = *text};
     }
+    read_source(argc, argv, request);
+    check(request);
+    return {.request = request, .text = {}};
 }
 
 } // namespace ux::view
