@@ -16,4 +16,14 @@ std::optional<int> number_in(std::string_view text, int lowest, int highest) {
     return value;
 }
 
+std::optional<size_text> size_in(std::string_view text, int largest) {
+    const size_t cross = text.find('x');
+    if (cross == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto width = number_in(text.substr(0, cross), 1, largest);
+    const auto height = number_in(text.substr(cross + 1), 1, largest);
+    return width && height ? std::optional<size_text>({*width, *height}) : std::nullopt;
+}
+
 } // namespace ux::sim

@@ -91,16 +91,10 @@ constexpr std::array<option, 16> k_options = {{
 }
 
 void read_size(const std::string &text, screen_shape &shape) {
-    size_t cross = text.find('x');
-    std::string_view view = text;
-    if (cross != std::string::npos) {
-        auto width = number_in(view.substr(0, cross), 1, k_largest_side);
-        auto height = number_in(view.substr(cross + 1), 1, k_largest_side);
-        if (width && height) {
-            shape.width = *width;
-            shape.height = *height;
-            return;
-        }
+    if (const auto size = size_in(text, k_largest_side)) {
+        shape.width = size->width;
+        shape.height = size->height;
+        return;
     }
     refuse("--size wants WIDTHxHEIGHT, each 1 to " + std::to_string(k_largest_side) + ", not '" +
            text + "'");

@@ -49,14 +49,8 @@ constexpr std::array<option, 5> k_options = {{
 }
 
 screen_size read_size(const std::string &text) {
-    const size_t cross = text.find('x');
-    if (cross != std::string::npos) {
-        const std::string_view digits = text;
-        const auto width = sim::number_in(digits.substr(0, cross), 1, k_largest_side);
-        const auto height = sim::number_in(digits.substr(cross + 1), 1, k_largest_side);
-        if (width && height) {
-            return {*width, *height};
-        }
+    if (const auto size = sim::size_in(text, k_largest_side)) {
+        return {size->width, size->height};
     }
     refuse("--size wants WIDTHxHEIGHT, each 1 to " + std::to_string(k_largest_side) + ", not '" +
            text + "'");
