@@ -3,7 +3,6 @@
 
 #include "core/object_kit.h"
 
-#include "core/child_walk.h"
 #include "core/save_area.h"
 
 #include <algorithm>
@@ -102,13 +101,6 @@ int take_focus(ux_obj *obj) {
     if (ux_page *page = page_of(obj))
         page->focus = obj;
     return 0;
-}
-
-void forget_object(const ux_obj *obj) {
-    child_walk::forget(obj);
-    ux_page *page = page_of(obj);
-    if (page && page->focus == obj)
-        page->focus = nullptr;
 }
 
 // Rings from the outside in. An object on the screen has none that is further in than the screen is

@@ -99,10 +99,6 @@ ux_page *page_of(const ux_obj *obj);
 // Sets UX_ST_FOCUSED and makes `obj` its page's focus; nothing is painted. Returns 0.
 int take_focus(ux_obj *obj);
 
-// What every release begins with: walks that are going on pass `obj` over, and its page has no
-// focus any more if it was that. Its `next` must still be valid.
-void forget_object(const ux_obj *obj);
-
 // Paints the border in the colours of the object's state: around the object, or around a part of
 // it. A focused border has the one colour `top_focus_color`; sides of no colour are left out.
 void paint_border(const ux_obj *obj);

@@ -61,9 +61,16 @@ bool unlink_child(ux_container *container, const ux_obj *obj) {
     return false;
 }
 
+void drop_focus(const ux_obj *obj) {
+    ux_page *page = page_of(obj);
+    if (page && page->focus == obj)
+        page->focus = nullptr;
+}
+
 // Releases an object; neither its page nor a walk keeps a pointer to it.
 void release(ux_obj *obj) {
-    forget_object(obj);
+    drop_focus(obj);
+    child_walk::forget(obj);
     if (obj->free)
         obj->free(obj);
     else
@@ -125,6 +132,7 @@ int ux_container_free(ux_obj *container) noexcept {
         while (ux_obj *child = walk.next())
             ux::release(child);
     }
+    ux::drop_focus(container);
     return ux_obj_free(container);
 }
 

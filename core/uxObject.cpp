@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Operations on the header that every object begins with: state bits, colours, save areas, release.
 
+#include "core/child_walk.h"
 #include "core/object_kit.h"
 #include "core/save_area.h"
 
@@ -125,7 +126,7 @@ int ux_obj_set_size(ux_obj *obj, int x, int y, int w, int h) noexcept {
 }
 
 int ux_obj_free(ux_obj *obj) noexcept {
-    ux::forget_object(obj);
+    ux::child_walk::forget(obj);
     free(obj->bg_backup);
     free(obj);
     return 0;

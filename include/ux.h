@@ -198,8 +198,7 @@ struct ux_obj {
     ux_slot show;                /* shows and paints it; null only for a container's child */
     ux_slot repaint;             /* paints it again if visible, else hides it; not null */
     ux_slot get_status;          /* returns status */
-    ux_slot free;                /* releases it; null = ux_obj_free(), not in a container that
-                                    ux_container_free() releases */
+    ux_slot free;                /* releases it; null = ux_obj_free() */
     void *bg_backup;             /* screen pixels under the object, width * height, rows packed */
     void *fg_backup;             /* pixels of the painted face, same layout; the host's to free() */
     ux_obj *next;                /* next sibling; written by containers only */
@@ -222,7 +221,7 @@ struct ux_page {
     ux_container container;               /* the container it extends */
     ux_handler key_handlers[UX_MAX_KEYS]; /* handler of each key code; null = none */
     ux_handler default_key_handler;       /* for keys without a handler; null = drop them */
-    ux_obj *focus;                        /* the object that has the focus; null once it is freed */
+    ux_obj *focus;                        /* the object that has the focus, or null */
     int (*on_enter)(ux_page *page); /* set by the host: the page becomes current; may be null */
     int (*on_leave)(ux_page *page, intptr_t a, intptr_t b,
                     intptr_t c); /* set by the host: the page is left; may be null */
@@ -421,7 +420,7 @@ UX_API int ux_container_del_obj(ux_container *container, ux_obj *obj, intptr_t a
 UX_API int ux_container_scan(ux_container *container, ux_handler callback, void *arg) UX_NOEXCEPT;
 
 /* Releases every child as ux_container_del_obj() does, then the container. Children of child
- * containers are not released. A page whose focus one of them had has none afterwards. Does not
+ * containers are not released. Their page has no focus afterwards if it was one of them. Does not
  * unlink it; the `free` slot of a container is ux_obj_free() and releases no child. Returns 0. */
 UX_API int ux_container_free(ux_obj *container) UX_NOEXCEPT;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The analogue clock: a polling timeout that advances it, the handlers of the host, face and hands.
 
+#include "core/child_walk.h"
 #include "core/save_area.h"
 #include "widgets/clock_hands.h"
 #include "widgets/widget_kit.h"
@@ -296,7 +297,7 @@ int ux_clock_free(ux_obj *obj) noexcept {
     auto *clock = ux::as<ux_clock>(obj);
     ux::clock_watch::forget(clock);
     ux::stop_timeout(clock);
-    ux::forget_object(obj);
+    ux::child_walk::forget(obj);
     ux::free_state(clock->state);
     free(obj);
     return 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The memo: lines of text over the player's message picture, inside a border.
 
+#include "core/child_walk.h"
 #include "widgets/widget_kit.h"
 
 #include <cstdio>
@@ -150,7 +151,7 @@ int ux_memo_unset_focus(ux_obj *obj) noexcept {
 }
 
 int ux_memo_free(ux_obj *obj) noexcept {
-    ux::forget_object(obj);
+    ux::child_walk::forget(obj);
     free(ux::as<ux_memo>(obj)->text);
     free(obj);
     return 0;

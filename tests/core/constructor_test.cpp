@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What all constructors do alike: the steps and their order, the header, the slots, the report; and
-// what all releases do. The clock, which needs a picture, has tests of its own.
+// What all constructors do alike: the steps and their order, the header, the slots, the report. The
+// clock, which needs a picture, has tests of its own.
 
 #include "tests/support/screen_test.h"
 
@@ -313,18 +313,6 @@ TEST_P(ConstructorTest, report_shows_the_hosts_ux_error) {
     const std::string text = testing::internal::GetCapturedStderr();
     EXPECT_EQ(text.substr(0, 12), "Error: [-42]");
     EXPECT_EQ(ux_error, -42);
-}
-
-TEST_P(ConstructorTest, released_object_leaves_its_page_without_a_focus_if_it_was_that) {
-    ux_page *page = new_page();
-    ux_obj *focused = GetParam().make(nullptr, 0, 0, 1, 1);
-    ux_obj *other = GetParam().make(nullptr, 0, 0, 1, 1);
-    focused->page_id = other->page_id = 0;
-    page->focus = focused;
-    other->free(other);
-    EXPECT_EQ(page->focus, focused);
-    focused->free(focused);
-    EXPECT_EQ(page->focus, nullptr);
 }
 
 // The memo keeps its text beside the record.
