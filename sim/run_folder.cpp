@@ -6,6 +6,7 @@
 #include "sim/screen_note.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -15,7 +16,10 @@
 #include <sys/file.h>
 #include <sys/ipc.h>
 #include <sys/msg.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace ux::sim {
@@ -90,7 +94,7 @@ void sweep_one(int base, const char *name) {
     close(folder);
 }
 
-// Removes what runs left behind that were killed before they could clean up.
+// Removes what runs left behind that were killed, and whose guards were too.
 void sweep(const std::string &base) {
     DIR *folder = opendir(base.c_str());
     if (folder == nullptr) {
@@ -102,6 +106,38 @@ void sweep(const std::string &base) {
         }
     }
     closedir(folder);
+}
+
+// Waits for the end of the run in `path`, whatever it is. It holds nothing of the run: neither its
+// lock nor its outputs.
+[[noreturn]] void guard(const std::string &path) {
+    setsid();
+    prctl(PR_SET_NAME, "ux-sim-guard");
+    if (syscall(SYS_close_range, 0U, ~0U, 0U) == 0) {
+        const size_t slash = path.rfind('/');
+        const int base = open(path.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY);
+        const int lock = openat(base, (path.substr(slash + 1) + "/" + k_lock).c_str(), O_RDONLY);
+        while (flock(lock, LOCK_EX) == -1 && errno == EINTR) {
+        }
+        close(lock);
+        sweep_one(base, path.c_str() + slash + 1);
+    }
+    _exit(0);
+}
+
+// Leaves a process that cleans up when this one is killed. It is nobody's child, so that nobody
+// waits for it. Without it, the next run cleans up.
+void post_guard(const std::string &path) {
+    const pid_t between = fork();
+    if (between == 0) {
+        if (fork() == 0) {
+            guard(path);
+        }
+        _exit(0);
+    }
+    if (between != -1) {
+        waitpid(between, nullptr, 0);
+    }
 }
 
 std::string absolute(const std::string &path) {
@@ -126,6 +162,7 @@ run_folder::run_folder(const std::string &queue_path) {
         make_named_queue(base);
     }
     lock();
+    post_guard(m_path);
 }
 
 // The key is made of the folder's inode number: rarely, it meets another run's. Refused folders

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The private place of one run: a folder for its event pipe, its input queue, and the removal of
-// both, also of those that crashed runs left behind.
+// both, also when the run is killed.
 #pragma once
 
 #include "sim/input_queue.h"

@@ -111,12 +111,22 @@ void program::signal(int number) const {
     kill(m_pid, number);
 }
 
+// The file that a process runs; empty when it is gone.
+static std::filesystem::path program_of(pid_t pid) {
+    std::error_code gone;
+    return std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/exe", gone);
+}
+
 std::vector<pid_t> program::children() const {
     const std::string pid = std::to_string(m_pid);
     std::ifstream list("/proc/" + pid + "/task/" + pid + "/children");
+    const std::filesystem::path own = program_of(m_pid);
     std::vector<pid_t> result;
     for (pid_t child = 0; list >> child;) {
-        result.push_back(child);
+        const std::filesystem::path file = program_of(child);
+        if (!file.empty() && file != own) {
+            result.push_back(child);
+        }
     }
     return result;
 }

@@ -50,6 +50,7 @@ class program {
 
     pid_t pid() const { return m_pid; }
     void signal(int number) const;
+    // Those that run and have become another program.
     std::vector<pid_t> children() const;
 
     // The exit status (128 + signal when killed), or nothing when it does not end in time.

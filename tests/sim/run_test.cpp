@@ -351,7 +351,20 @@ TEST_F(run_test, a_signal_ends_host_folder_and_queue) {
     }
 }
 
-TEST_F(run_test, a_killed_simulator_takes_the_host_along_and_the_next_run_cleans_up) {
+// The process that has a file open, and is not `but`.
+std::optional<pid_t> holder_of(const std::string &path, pid_t but) {
+    std::error_code ignored;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc")) {
+        const pid_t pid = std::atoi(entry.path().filename().c_str());
+        for (const auto &fd : std::filesystem::directory_iterator(entry.path() / "fd", ignored))
+            if (pid != 0 && pid != but &&
+                std::filesystem::read_symlink(fd.path(), ignored).string() == path)
+                return pid;
+    }
+    return std::nullopt;
+}
+
+TEST_F(run_test, a_simulator_killed_with_its_guard_leaves_the_cleaning_to_the_next_run) {
     program sim(command({}), m_environment);
     ASSERT_TRUE(eventually([&] { return queue_in_use() && !sim.children().empty(); }));
     const int queue = queue_in_use().value();
@@ -359,6 +372,13 @@ TEST_F(run_test, a_killed_simulator_takes_the_host_along_and_the_next_run_cleans
     ASSERT_TRUE(eventually([&] { // the shim is in place once the host has made its pipe
         return std::filesystem::exists(m_runtime / m_runtime.names().at(0) + "/event");
     }));
+    std::optional<pid_t> guard;
+    ASSERT_TRUE(eventually([&] {
+        guard = holder_of(m_runtime / m_runtime.names().at(0) + "/lock", sim.pid());
+        return guard.has_value();
+    }));
+    kill(*guard, SIGKILL);
+    EXPECT_TRUE(eventually([&] { return !is_alive(*guard); }));
     sim.signal(SIGKILL);
     EXPECT_EQ(sim.wait(), 128 + SIGKILL);
     EXPECT_TRUE(eventually([&] { return !is_alive(host); }));
