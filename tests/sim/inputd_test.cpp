@@ -204,6 +204,24 @@ TEST(InputdOptions, WrongOnesAreRefused) {
     }
 }
 
+TEST(InputdOptions, WrongWordIsNamed) {
+    const auto complaint = [](const std::vector<std::string> &words) -> std::string {
+        try {
+            parsed(words);
+        } catch (const ux::sim::usage_failure &error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(complaint({"device", "--grab", "other", "-gv", "third"}),
+              "unknown option or stray argument in '-gv'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"device", "-g", "other"}),
+              "unknown option or stray argument in '-g'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"-", "--grab=1"}),
+              "unknown option or stray argument in '--grab=1'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"device", "--size"}), "'--size' wants an argument; see ux-inputd --help");
+}
+
 TEST(InputdOptions, HelpAndVersionAreTexts) {
     const auto help = parsed({"--help"});
     EXPECT_FALSE(help.request);
