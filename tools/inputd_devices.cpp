@@ -35,7 +35,8 @@ owned_fd opened(const std::string &path, int flags) {
 }
 
 axis_range range_of(const libevdev *device, unsigned axis) {
-    return {libevdev_get_abs_minimum(device, axis), libevdev_get_abs_maximum(device, axis)};
+    return {libevdev_get_abs_minimum(device, axis), libevdev_get_abs_maximum(device, axis),
+            libevdev_get_event_value(device, EV_ABS, axis)};
 }
 
 } // namespace
