@@ -20,6 +20,14 @@ std::vector<option> with_common(std::span<const option> own) {
     return all;
 }
 
+// `optind` may still be at a word of several letters or be past it already.
+std::string first_option(char **words) {
+    while (words[0][0] != '-' || words[0][1] == '\0') {
+        words++;
+    }
+    return words[0];
+}
+
 } // namespace
 
 std::optional<std::string>
@@ -27,14 +35,14 @@ scan_options(const program_texts &program, std::span<const option> options, opti
              int argc, char **argv,
              const std::function<void(int code, const std::string &argument)> &take) {
     const std::vector<option> all = with_common(options);
-    const bool come_first = places == option_places::first;
+    const char *letters = places == option_places::first ? "+:" : ":";
     const std::string see = std::string("; see ") + program.name + " --help";
     optind = 0; // a fresh scan, also for the second call in one process
     opterr = 0;
     for (;;) {
         const int before = optind == 0 ? 1 : optind;
-        const int code = getopt_long(argc, argv, come_first ? "+:" : ":", all.data(), nullptr);
-        const auto word = [&] { return std::string(argv[come_first ? before : optind - 1]); };
+        const int code = getopt_long(argc, argv, letters, all.data(), nullptr);
+        const auto word = [&] { return first_option(argv + before); };
         switch (code) {
         case -1:
             return std::nullopt;

@@ -35,7 +35,12 @@ owned_fd opened(const std::string &path, int flags) {
 }
 
 axis_range range_of(const libevdev *device, unsigned axis) {
-    return {libevdev_get_abs_minimum(device, axis), libevdev_get_abs_maximum(device, axis)};
+    return {libevdev_get_abs_minimum(device, axis), libevdev_get_abs_maximum(device, axis),
+            libevdev_get_event_value(device, EV_ABS, axis)};
+}
+
+std::string_view name_in(const inotify_event &event) {
+    return event.len > 0 ? event.name : "";
 }
 
 } // namespace
@@ -104,10 +109,20 @@ std::optional<input_event> input_device::next() {
 
 device_folder::device_folder(const std::string &path)
     : m_path(path), m_fd(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-    // Permissions often come after the device.
-    if (m_fd.get() == -1 ||
-        inotify_add_watch(m_fd.get(), path.c_str(), IN_CREATE | IN_ATTRIB | IN_ONLYDIR) == -1) {
-        throw failure(system_reason("cannot watch " + path));
+    const std::string above = std::filesystem::path(path).parent_path().string();
+    m_above = inotify_add_watch(m_fd.get(), above.c_str(), IN_CREATE | IN_ONLYDIR);
+    if (m_above == -1) {
+        throw failure(system_reason("cannot watch " + above));
+    }
+    watch();
+}
+
+// Permissions often come after the device. Without a folder there is nothing to watch yet.
+void device_folder::watch() {
+    const int watched =
+        inotify_add_watch(m_fd.get(), m_path.c_str(), IN_CREATE | IN_ATTRIB | IN_ONLYDIR);
+    if (watched == -1 && errno != ENOENT) {
+        throw failure(system_reason("cannot watch " + m_path));
     }
 }
 
@@ -123,23 +138,34 @@ std::vector<std::string> device_folder::devices() const {
     return found;
 }
 
-std::vector<std::string> device_folder::changes() const {
+bool device_folder::is_new_folder(const inotify_event &event) const {
+    return event.wd == m_above && name_in(event) == std::filesystem::path(m_path).filename();
+}
+
+std::vector<std::string> device_folder::changes() {
     std::vector<std::string> found;
+    bool look_anew = false;
     alignas(inotify_event) std::array<char, 4096> buffer{};
     for (;;) {
         const ssize_t size = read(m_fd.get(), buffer.data(), buffer.size());
         if (size <= 0) {
-            return found;
+            break;
         }
         for (ssize_t at = 0; at < size;) {
             const auto *event = reinterpret_cast<const inotify_event *>(buffer.data() + at);
-            const std::string_view name = event->len > 0 ? event->name : "";
-            if (name.starts_with(k_device_prefix)) {
-                found.push_back(m_path + "/" + std::string(name));
+            if ((event->mask & IN_Q_OVERFLOW) != 0 || is_new_folder(*event)) {
+                look_anew = true;
+            } else if (event->wd != m_above && name_in(*event).starts_with(k_device_prefix)) {
+                found.push_back(m_path + "/" + std::string(name_in(*event)));
             }
             at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
         }
     }
+    if (!look_anew) {
+        return found;
+    }
+    watch();
+    return devices();
 }
 
 screen_size size_of_framebuffer(const std::string &path) {

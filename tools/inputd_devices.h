@@ -13,6 +13,7 @@
 
 #include <linux/input.h>
 
+struct inotify_event;
 struct libevdev;
 
 namespace ux::inputd {
@@ -49,22 +50,27 @@ class input_device {
     bool m_catching_up = false; // events were lost: the library tells what has changed meanwhile
 };
 
-// The folder in which the kernel's input devices appear.
+// The folder in which the kernel's input devices appear. It comes with the first device and may go
+// with the last one.
 class device_folder {
   public:
-    // Throws failure when the folder cannot be watched.
+    // `path` ends without a slash. Throws failure when the folder above cannot be watched.
     explicit device_folder(const std::string &path);
 
     int fd() const { return m_fd.get(); }
 
     // All devices that are there now.
     std::vector<std::string> devices() const;
-    // Those that came or changed since the last call.
-    std::vector<std::string> changes() const;
+    // Those that came or changed since the last call; all when it cannot be known which.
+    std::vector<std::string> changes();
 
   private:
+    void watch();
+    bool is_new_folder(const inotify_event &event) const;
+
     std::string m_path;
     sim::owned_fd m_fd;
+    int m_above = -1; // the watch of the folder above
 };
 
 // The visible size of a framebuffer. Throws failure.

@@ -17,6 +17,9 @@ bool is_touch(unsigned code) {
 
 // The range's steps are spread evenly over the pixels.
 int pixel_of(int value, const axis_range &range, int pixels) {
+    if (range.highest <= range.lowest) {
+        return 0;
+    }
     const int64_t steps = int64_t{range.highest} - range.lowest + 1;
     const int64_t step = std::clamp<int64_t>(value, range.lowest, range.highest) - range.lowest;
     return static_cast<int>(step * pixels / steps);
@@ -39,11 +42,11 @@ std::optional<translated> event_translator::take(const input_event &event) {
 }
 
 std::optional<translated> event_translator::take_key(const input_event &event) {
-    if (is_touch(event.code)) {
+    const auto key = m_keys.key_of(event.code);
+    if (!key && is_touch(event.code)) {
         m_came_down = event.value == k_down;
         return std::nullopt;
     }
-    const auto key = m_keys.key_of(event.code);
     if (!key || (event.value != k_down && event.value != k_held)) {
         return std::nullopt;
     }

@@ -16,10 +16,11 @@ struct screen_size {
     int height = 0;
 };
 
-// The values of an axis, both ends included; none when they are equal.
+// The values of an axis, both ends included. One whose ends are not in order is a single place.
 struct axis_range {
     int lowest = 0;
     int highest = 0;
+    int now = 0; // a device tells only changes: a first touch at this value has no event for it
 };
 
 struct touch_area {
@@ -37,10 +38,11 @@ class event_translator {
   public:
     // `keys` must outlive the translator. Without an area touches are left out.
     event_translator(const key_table &keys, const std::optional<touch_area> &area)
-        : m_keys(keys), m_area(area) {}
+        : m_keys(keys), m_area(area), m_x(area ? area->x.now : 0), m_y(area ? area->y.now : 0) {}
 
     // The message that the event completes. A key sends one when it goes down and while it is held;
-    // a finger, a pen or a mouse button when it comes down, where it is then.
+    // a finger, a pen or a mouse button when it comes down, where it is then. A button that the
+    // table holds is a key.
     std::optional<translated> take(const input_event &event);
 
   private:
@@ -50,8 +52,8 @@ class event_translator {
 
     const key_table &m_keys;
     std::optional<touch_area> m_area;
-    int m_x = 0; // on the device's axes
-    int m_y = 0;
+    int m_x; // on the device's axes
+    int m_y;
     bool m_came_down = false; // in this report
 };
 

@@ -118,12 +118,10 @@ int input_driver::run(const sigset_t &mask) {
     return sim::k_status_signal_base + sim::end_signal();
 }
 
+// The changes are asked for first: a device that has come in place of one of the same name is
+// opened when the old one has been found to be gone.
 void input_driver::read_all() {
-    if (m_folder) {
-        for (const std::string &path : m_folder->changes()) {
-            open_new(path);
-        }
-    }
+    const auto changed = m_folder ? m_folder->changes() : std::vector<std::string>();
     m_devices.remove_if([this](open_device &from) {
         try {
             read(from);
@@ -133,6 +131,9 @@ void input_driver::read_all() {
             return true;
         }
     });
+    for (const std::string &path : changed) {
+        open_new(path);
+    }
 }
 
 void input_driver::read(open_device &from) {

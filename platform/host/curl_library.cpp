@@ -53,6 +53,8 @@ bool load_curl() noexcept {
         return false;
     }
     s_curl.ready = s_curl.functions.global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    if (!s_curl.ready)
+        std::fprintf(stderr, "no address can be fetched: %s does not start\n", EM862X_CURL);
     return s_curl.ready;
 }
 

@@ -15,6 +15,7 @@ import tidy
 CHECKS = {
     "layout": (text.layout, "clang-format has nothing to change"),
     "licence": (text.licence, "every source opens with the licence line"),
+    "merges": (text.merges, "no merge was left open"),
     "length": (text.length, "no source is too long"),
     "includes": (includes.check, "includes form no circle and go downwards only"),
     "docs": (docs.check, "documents name only paths, headings and tests that exist"),

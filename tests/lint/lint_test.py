@@ -104,6 +104,13 @@ class LintTest(unittest.TestCase):
         self.assertEqual(list(text.licence()), [
             "core/bad.cpp: does not open with 'SPDX-License-Identifier: MIT'"])
 
+    def test_a_merge_that_was_left_open_is_found(self):
+        self.write("a.md", "Heading\n=======\n")
+        self.write("b.md", f"one\n{'<' * 7} HEAD\ntwo\n{'=' * 7}\nthree\n{'>' * 7} other\n")
+        self.write("core/c.cpp", HEAD + "int x = 1 << 7;\n")
+        self.assertEqual(list(text.merges()), [
+            "b.md:2: a merge was left open", "b.md:6: a merge was left open"])
+
     def test_a_source_of_501_lines_is_too_long(self):
         self.write("core/longest.cpp", "\n" * 500)
         self.write("core/longer.cpp", "\n" * 501)

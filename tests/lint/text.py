@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""The plain facts of a file: its licence line, its length, its layout, its shell."""
+"""The plain facts of a file: its licence line, its length, its layout, its merges, its shell."""
 
 import os
+import re
 import shutil
 import subprocess
 
@@ -10,6 +11,9 @@ import project
 LICENCE = "SPDX-License-Identifier: MIT"
 LICENCE_LINES = 2  # a script's first line names its interpreter
 LONGEST = 500
+
+# A line of seven equals signs alone may underline a heading.
+OPEN_MERGE = re.compile(r"(<{7}|>{7}|\|{7})( |$)")
 
 SHELLS = (b"#!/bin/sh", b"#!/bin/bash", b"#!/usr/bin/env bash")
 
@@ -29,6 +33,13 @@ def length():
         lines = project.text(path).count("\n")
         if lines > LONGEST and path.as_posix() not in MAY_BE_LONGER:
             yield f"{path}: {lines} lines, the limit is {LONGEST}"
+
+
+def merges():
+    for path in sorted({*project.sources(), *project.documents()}):
+        for number, line in enumerate(project.text(path).splitlines(), 1):
+            if OPEN_MERGE.match(line):
+                yield f"{path}:{number}: a merge was left open"
 
 
 def clang_format(*options):

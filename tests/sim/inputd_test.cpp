@@ -141,6 +141,29 @@ TEST(InputdEvents, TouchTakesThePositionOfTheWholeReport) {
     EXPECT_FALSE(translator.take(k_report)) << "dragging";
 }
 
+// A device tells an axis only when it has changed.
+TEST(InputdEvents, FirstTouchIsWhereTheAxesStoodAlready) {
+    const key_table keys;
+    event_translator translator(keys, touch_area{{0, 99, 30}, {0, 99, 40}, {100, 100}});
+    translator.take(event(EV_ABS, ABS_Y, 41));
+    translator.take(event(EV_KEY, BTN_TOUCH, 1));
+    const auto touch = translator.take(k_report);
+    ASSERT_TRUE(touch);
+    EXPECT_EQ(touch->message.x, 30);
+    EXPECT_EQ(touch->message.y, 41);
+}
+
+TEST(InputdEvents, ButtonInTheTableIsAKey) {
+    key_table keys;
+    keys.assign("BTN_LEFT=ok");
+    event_translator translator(keys, touch_area{{0, 99}, {0, 99}, {100, 100}});
+    const auto key = translator.take(event(EV_KEY, BTN_LEFT, 1));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->message.kind, 1);
+    EXPECT_EQ(key->message.key, 23);
+    EXPECT_FALSE(translator.take(k_report)) << "no touch as well";
+}
+
 TEST(InputdEvents, TouchIsLeftOutWithoutAnArea) {
     const key_table keys;
     event_translator translator(keys, std::nullopt);
@@ -164,6 +187,19 @@ TEST(InputdEvents, ExtremeAxesStayOnTheScreen) {
         EXPECT_EQ(touch->message.x, pixel);
         EXPECT_EQ(touch->message.y, 0);
     }
+}
+
+// The second axis has no step at all by its numbers.
+TEST(InputdEvents, AxesWithTheirEndsInTheWrongOrderAreOnePlace) {
+    const key_table keys;
+    event_translator translator(keys, touch_area{{99, 0}, {1, 0}, {100, 100}});
+    translator.take(event(EV_ABS, ABS_X, 50));
+    translator.take(event(EV_ABS, ABS_Y, 1));
+    translator.take(event(EV_KEY, BTN_TOUCH, 1));
+    const auto touch = translator.take(k_report);
+    ASSERT_TRUE(touch);
+    EXPECT_EQ(touch->message.x, 0);
+    EXPECT_EQ(touch->message.y, 0);
 }
 
 TEST(InputdOptions, DefaultsAreADevices) {
@@ -202,6 +238,24 @@ TEST(InputdOptions, WrongOnesAreRefused) {
           words{"-g"}}) {
         EXPECT_THROW(parsed(wrong), ux::sim::usage_failure) << wrong.front();
     }
+}
+
+TEST(InputdOptions, WrongWordIsNamed) {
+    const auto complaint = [](const std::vector<std::string> &words) -> std::string {
+        try {
+            parsed(words);
+        } catch (const ux::sim::usage_failure &error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(complaint({"device", "--grab", "other", "-gv", "third"}),
+              "unknown option or stray argument in '-gv'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"device", "-g", "other"}),
+              "unknown option or stray argument in '-g'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"-", "--grab=1"}),
+              "unknown option or stray argument in '--grab=1'; see ux-inputd --help");
+    EXPECT_EQ(complaint({"device", "--size"}), "'--size' wants an argument; see ux-inputd --help");
 }
 
 TEST(InputdOptions, HelpAndVersionAreTexts) {
