@@ -250,9 +250,8 @@ void build_note() {
 
 int main() {
     set_up_environment();
-    if (!s_player.news.make())
+    if (!s_player.news.make(k_editions.front()))
         return EXIT_FAILURE;
-    s_player.news.publish(k_editions.front());
     ux_system_init(); // threads come next: the environment stays as it is from here on
     build_page();
     ux_screen_show_all();

@@ -30,10 +30,7 @@ news_line s_news;
 bool set_up_news() {
     setenv("TICKER_PLAYING", "NO", 1);
     s_shell.ticker_state.set_up("TICKER_STATE", "STOP_TICKER");
-    if (!s_news.lines.make())
-        return false;
-    s_news.lines.publish(k_lines);
-    return true;
+    return s_news.lines.make(k_lines);
 }
 
 void start_news() {

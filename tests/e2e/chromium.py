@@ -71,7 +71,7 @@ class Browser:
              "--no-first-run", f"--user-data-dir={folder}/profile",
              "--remote-debugging-pipe", "about:blank"],
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-            pass_fds=[3, 4, *low.values()], preexec_fn=place)
+            env={**os.environ, "TMPDIR": str(folder)}, pass_fds=[3, 4, *low.values()], preexec_fn=place)
         os.close(command_in)
         os.close(answer_out)
         self.rest, self.number, self.session = b"", 0, None
