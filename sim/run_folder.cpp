@@ -109,11 +109,11 @@ void sweep(const std::string &base) {
 }
 
 // Waits for the end of the run in `path`, whatever it is. It holds nothing of the run: neither its
-// lock nor its outputs.
+// lock nor its outputs nor its working folder.
 [[noreturn]] void guard(const std::string &path) {
     setsid();
     prctl(PR_SET_NAME, "ux-sim-guard");
-    if (syscall(SYS_close_range, 0U, ~0U, 0U) == 0) {
+    if (chdir("/") == 0 && syscall(SYS_close_range, 0U, ~0U, 0U) == 0) {
         const size_t slash = path.rfind('/');
         const int base = open(path.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY);
         const int lock = openat(base, (path.substr(slash + 1) + "/" + k_lock).c_str(), O_RDONLY);

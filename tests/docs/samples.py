@@ -117,13 +117,18 @@ def check(checker):
     return count, complaints
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
+def parsed_arguments(description):
+    """Where compilers, simulator and libraries are."""
+    parser = argparse.ArgumentParser(description=description)
     parser.add_argument("--cc", required=True)
     parser.add_argument("--cxx", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--library", type=Path, action="append", default=[])
-    arguments = parser.parse_args()
+    return parser.parse_args()
+
+
+def main():
+    arguments = parsed_arguments(__doc__)
     with tempfile.TemporaryDirectory(prefix="ux-samples-") as folder:
         count, complaints = check(Checker(arguments, Path(folder)))
     for complaint in complaints:

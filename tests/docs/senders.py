@@ -3,7 +3,6 @@
 """The senders of docs/input.md reach hosts: each presses a key that ends the guide's first program,
 and touches the button that ends its second one, in the simulator."""
 
-import argparse
 import subprocess
 import sys
 import tempfile
@@ -54,12 +53,7 @@ def ends_by(checker, sender, numbers, host):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--cc", required=True)
-    parser.add_argument("--cxx", required=True)
-    parser.add_argument("--simulator", required=True)
-    parser.add_argument("--library", type=Path, action="append", default=[])
-    arguments = parser.parse_args()
+    arguments = samples.parsed_arguments(__doc__)
     failed = 0
     with tempfile.TemporaryDirectory(prefix="ux-senders-") as folder:
         checker = samples.Checker(arguments, Path(folder))

@@ -255,6 +255,22 @@ TEST_F(Bridge, a_queue_that_was_removed_is_made_again_by_the_next_init) {
     EXPECT_EQ(next_event(), "1 12 0 0");
 }
 
+TEST_F(Bridge, the_task_forwards_on_a_thread_of_the_host_s_own_until_the_queue_fails) {
+    ux_event_init();
+    ASSERT_TRUE(bridge_waits());
+    uxEvent_Close_em862x();
+    EXPECT_EQ(next_event(), "0 0 0 0");
+    std::thread bridge([] { uxEvent_task_em862x(nullptr); });
+    for (int key : {11, 12, 13}) {
+        send_driver_message(key, 1);
+        EXPECT_EQ(next_event(), "1 " + std::to_string(key) + " 0 0");
+    }
+    remove_queue();
+    bridge.join();
+    EXPECT_EQ(next_event(), "0 13 0 0"); // a stop changes the type only
+    EXPECT_TRUE(closes_promptly());
+}
+
 TEST_F(Bridge, the_queue_outlives_the_bridge) {
     ux_event_init();
     ux_event_close();

@@ -2,6 +2,7 @@
  * Runs in the simulator's virtual time and looks at it through ordinary calls. `time-probe NAME`
  * carries out one check; a check that does not hold is told on standard error and ends with status
  * 1. Every expectation of a moment is in milliseconds since the run began, and exact. */
+#include "tests/sim/moments.h"
 #include "tests/sim/probe.h"
 
 #include <fcntl.h>
@@ -21,27 +22,9 @@
 #include <time.h>
 #include <unistd.h>
 
-static const long long k_start_s = 1735689600; /* 2025-01-01 00:00:00 UTC */
-
-static long long now_ms(void) {
-    struct timeval now;
-    gettimeofday(&now, NULL);
-    return (now.tv_sec - k_start_s) * 1000 + now.tv_usec / 1000;
-}
-
 static void sleep_ms(long ms) {
     const struct timespec duration = {ms / 1000, ms % 1000 * 1000000};
     CHECK(nanosleep(&duration, NULL) == 0);
-}
-
-static pthread_t start(void *(*task)(void *), void *argument) {
-    pthread_t thread;
-    CHECK(pthread_create(&thread, NULL, task, argument) == 0);
-    return thread;
-}
-
-static struct timespec date_at(long long ms) {
-    return (struct timespec){k_start_s + ms / 1000, ms % 1000 * 1000000};
 }
 
 /* --- the clocks and every way to sleep --- */

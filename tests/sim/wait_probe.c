@@ -3,6 +3,7 @@
  * cancellation in the middle, sockets, locks that others want. `wait-probe NAME` carries out one
  * check. Every expectation of a moment is in milliseconds since the run began, and exact. */
 #include "tests/sim/early_caller.h"
+#include "tests/sim/moments.h"
 #include "tests/sim/probe.h"
 
 #include <fcntl.h>
@@ -19,24 +20,6 @@
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
-
-static const long long k_start_s = 1735689600; /* 2025-01-01 00:00:00 UTC */
-
-static long long now_ms(void) {
-    struct timeval now;
-    gettimeofday(&now, NULL);
-    return (now.tv_sec - k_start_s) * 1000 + now.tv_usec / 1000;
-}
-
-static pthread_t start(void *(*task)(void *), void *argument) {
-    pthread_t thread;
-    CHECK(pthread_create(&thread, NULL, task, argument) == 0);
-    return thread;
-}
-
-static struct timespec date_at(long long ms) {
-    return (struct timespec){k_start_s + ms / 1000, ms % 1000 * 1000000};
-}
 
 static void constructors_live_by_the_clock(void) {
     CHECK(early_caller_begun() == k_start_s);
